@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "scopeelementarchive.h"
+
+#include <QtCore/QList>
+
+class ScopeShotArchive;
+
+/*! \brief A named set of shot archives shown together; stores only their IDs. */
+class OVSCOPE_EXPORT ScopeCompositionArchive : public ScopeElementArchive
+{
+    Q_OBJECT
+
+public:
+    explicit ScopeCompositionArchive(QObject* parent = nullptr);
+    ~ScopeCompositionArchive() override;
+
+    /*! \brief A new, empty composition archive owned by \a parent. */
+    static ScopeCompositionArchive* create(QObject* parent);
+
+public Q_SLOTS:
+    virtual bool create(const QList<ScopeShotArchive*>& shots) = 0;
+    virtual QList<QByteArray> usedShotIdentifiers() const = 0;
+};
