@@ -1,0 +1,1129 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "scopetrace.h"
+#include "scopetrace_p.h"
+
+#include "scopelayout.h"
+#include "scopeseries.h"
+
+#include "datatypeprovider.h"
+#include "iniparser.h"
+#include "simpletype.h"
+#if __has_include("appsettings.h")
+#include "appsettings.h"
+#define SCOPETRACE_HAVE_APPSETTINGS 1
+#endif
+
+#include <QtCore/QEasingCurve>
+#include <QtCore/QLocale>
+#include <QtCore/QPropertyAnimation>
+#include <QtCore/QSignalBlocker>
+#include <QtGui/QPainter>
+#include <QtGui/QPolygonF>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+// Samples are grouped in blocks of this many before the pyramid starts, so
+// that the envelope costs a quarter of the samples' memory.
+constexpr qsizetype envelopeBlock = 16;
+
+// Below this many samples per pixel column the curve is drawn as a plain
+// polyline; above it per column from the envelope.
+constexpr double envelopeThreshold = 2.0;
+
+// Bit rows in binary view: the high level lies one scaling factor above the
+// row's base line, rows are one and a half factors apart.
+constexpr double bitRowPitch = 1.5;
+
+constexpr int binaryLabelWidth = 14;
+
+qint64 toInt64(double value)
+{
+    if (!(value == value))
+        return 0;
+    if (value >= 9223372036854775807.0)
+        return std::numeric_limits<qint64>::max();
+    if (value <= -9223372036854775808.0)
+        return std::numeric_limits<qint64>::min();
+    return static_cast<qint64>(value);
+}
+
+quint64 toUInt64(double value)
+{
+    if (value >= 18446744073709551615.0)
+        return std::numeric_limits<quint64>::max();
+    if (value >= 9223372036854775807.0)
+        return static_cast<quint64>(value);
+    return static_cast<quint64>(toInt64(value));
+}
+
+qint32 toInt32(double value)
+{
+    if (!(value == value))
+        return 0;
+    if (value >= 2147483647.0)
+        return std::numeric_limits<qint32>::max();
+    if (value <= -2147483648.0)
+        return std::numeric_limits<qint32>::min();
+    return static_cast<qint32>(value);
+}
+
+// Inserts a blank after every fourth character: "abcdefgh" → "abcd efgh".
+QString groupByFour(QString digits)
+{
+    const int groups = int(digits.size() / 4);
+    for (int n = 1; n < groups; ++n)
+        digits.insert(5 * n - 1, QLatin1Char(' '));
+    return digits;
+}
+
+// Coordinates are snapped to the rasteriser's 1/64 pixel grid so that the
+// column of a point is the same for the envelope and for the rasteriser.
+inline double snap(double coordinate)
+{
+    return std::round(coordinate * 64.0) / 64.0;
+}
+
+inline void combine(double value, double* lowest, double* highest)
+{
+    if (value < *lowest)
+        *lowest = value;
+    if (value > *highest)
+        *highest = value;
+}
+
+} // namespace
+
+// ---------------------------------------------------------------------------
+// Envelopes
+
+void ScopeTraceEnvelope::clear()
+{
+    minimum.clear();
+    maximum.clear();
+}
+
+void ScopeTraceEnvelope::build(const QVector<double>& samples)
+{
+    clear();
+    const qsizetype n = samples.size();
+    const qsizetype blocks = n / envelopeBlock;
+    if (blocks == 0)
+        return;
+    std::vector<double> lows(size_t(blocks), 0.0);
+    std::vector<double> highs(size_t(blocks), 0.0);
+    const double* data = samples.constData();
+    for (qsizetype b = 0; b < blocks; ++b) {
+        double lowest = std::numeric_limits<double>::infinity();
+        double highest = -std::numeric_limits<double>::infinity();
+        const double* block = data + b * envelopeBlock;
+        for (qsizetype i = 0; i < envelopeBlock; ++i)
+            combine(block[i], &lowest, &highest); // NaN never compares, so it is skipped
+        lows[size_t(b)] = lowest;
+        highs[size_t(b)] = highest;
+    }
+    minimum.push_back(std::move(lows));
+    maximum.push_back(std::move(highs));
+    while (minimum.back().size() > 1) {
+        const std::vector<double>& lower = minimum.back();
+        const std::vector<double>& upper = maximum.back();
+        const size_t count = lower.size() / 2;
+        std::vector<double> nextLow(count);
+        std::vector<double> nextHigh(count);
+        for (size_t i = 0; i < count; ++i) {
+            nextLow[i] = std::min(lower[2 * i], lower[2 * i + 1]);
+            nextHigh[i] = std::max(upper[2 * i], upper[2 * i + 1]);
+        }
+        minimum.push_back(std::move(nextLow));
+        maximum.push_back(std::move(nextHigh));
+    }
+}
+
+bool ScopeTraceEnvelope::range(const QVector<double>& samples, qsizetype first, qsizetype last,
+                               double* lowest, double* highest) const
+{
+    double low = std::numeric_limits<double>::infinity();
+    double high = -std::numeric_limits<double>::infinity();
+    first = std::max<qsizetype>(first, 0);
+    last = std::min(last, samples.size());
+    const double* data = samples.constData();
+    if (last - first < 2 * envelopeBlock || minimum.empty()) {
+        for (qsizetype i = first; i < last; ++i)
+            combine(data[i], &low, &high);
+    } else {
+        qsizetype lo = (first + envelopeBlock - 1) / envelopeBlock;
+        qsizetype hi = last / envelopeBlock;
+        for (qsizetype i = first; i < lo * envelopeBlock; ++i)
+            combine(data[i], &low, &high);
+        for (qsizetype i = hi * envelopeBlock; i < last; ++i)
+            combine(data[i], &low, &high);
+        for (size_t level = 0; lo < hi && level < minimum.size(); ++level) {
+            const std::vector<double>& lows = minimum[level];
+            const std::vector<double>& highs = maximum[level];
+            const qsizetype size = qsizetype(lows.size());
+            // Blocks past the last full pair of a level have no parent: take them here.
+            if (hi > (size / 2) * 2 || level + 1 == minimum.size()) {
+                for (qsizetype i = lo; i < hi; ++i) {
+                    low = std::min(low, lows[size_t(i)]);
+                    high = std::max(high, highs[size_t(i)]);
+                }
+                break;
+            }
+            if (lo & 1) {
+                low = std::min(low, lows[size_t(lo)]);
+                high = std::max(high, highs[size_t(lo)]);
+                ++lo;
+            }
+            if (hi & 1) {
+                --hi;
+                low = std::min(low, lows[size_t(hi)]);
+                high = std::max(high, highs[size_t(hi)]);
+            }
+            lo /= 2;
+            hi /= 2;
+        }
+    }
+    if (!(low <= high))
+        return false;
+    *lowest = low;
+    *highest = high;
+    return true;
+}
+
+void ScopeTraceBitEnvelope::clear()
+{
+    anyOne.clear();
+    allOne.clear();
+    valid = false;
+}
+
+void ScopeTraceBitEnvelope::build(const QVector<double>& samples)
+{
+    clear();
+    valid = true;
+    const qsizetype blocks = samples.size() / envelopeBlock;
+    if (blocks == 0)
+        return;
+    std::vector<quint64> ones(size_t(blocks), 0);
+    std::vector<quint64> all(size_t(blocks), ~quint64(0));
+    const double* data = samples.constData();
+    for (qsizetype b = 0; b < blocks; ++b) {
+        quint64 o = 0;
+        quint64 a = ~quint64(0);
+        const double* block = data + b * envelopeBlock;
+        for (qsizetype i = 0; i < envelopeBlock; ++i) {
+            if (!std::isfinite(block[i]))
+                continue;
+            const quint64 v = toUInt64(block[i]);
+            o |= v;
+            a &= v;
+        }
+        ones[size_t(b)] = o;
+        all[size_t(b)] = a;
+    }
+    anyOne.push_back(std::move(ones));
+    allOne.push_back(std::move(all));
+    while (anyOne.back().size() > 1) {
+        const std::vector<quint64>& lowerOnes = anyOne.back();
+        const std::vector<quint64>& lowerAll = allOne.back();
+        const size_t count = lowerOnes.size() / 2;
+        std::vector<quint64> nextOnes(count);
+        std::vector<quint64> nextAll(count);
+        for (size_t i = 0; i < count; ++i) {
+            nextOnes[i] = lowerOnes[2 * i] | lowerOnes[2 * i + 1];
+            nextAll[i] = lowerAll[2 * i] & lowerAll[2 * i + 1];
+        }
+        anyOne.push_back(std::move(nextOnes));
+        allOne.push_back(std::move(nextAll));
+    }
+}
+
+void ScopeTraceBitEnvelope::range(const QVector<double>& samples, qsizetype first, qsizetype last,
+                                  quint64* ones, quint64* all) const
+{
+    quint64 o = 0;
+    quint64 a = ~quint64(0);
+    first = std::max<qsizetype>(first, 0);
+    last = std::min(last, samples.size());
+    const double* data = samples.constData();
+    auto take = [&](qsizetype i) {
+        if (!std::isfinite(data[i]))
+            return;
+        const quint64 v = toUInt64(data[i]);
+        o |= v;
+        a &= v;
+    };
+    if (last - first < 2 * envelopeBlock || anyOne.empty()) {
+        for (qsizetype i = first; i < last; ++i)
+            take(i);
+    } else {
+        qsizetype lo = (first + envelopeBlock - 1) / envelopeBlock;
+        qsizetype hi = last / envelopeBlock;
+        for (qsizetype i = first; i < lo * envelopeBlock; ++i)
+            take(i);
+        for (qsizetype i = hi * envelopeBlock; i < last; ++i)
+            take(i);
+        for (size_t level = 0; lo < hi && level < anyOne.size(); ++level) {
+            const std::vector<quint64>& levelOnes = anyOne[level];
+            const std::vector<quint64>& levelAll = allOne[level];
+            const qsizetype size = qsizetype(levelOnes.size());
+            if (hi > (size / 2) * 2 || level + 1 == anyOne.size()) {
+                for (qsizetype i = lo; i < hi; ++i) {
+                    o |= levelOnes[size_t(i)];
+                    a &= levelAll[size_t(i)];
+                }
+                break;
+            }
+            if (lo & 1) {
+                o |= levelOnes[size_t(lo)];
+                a &= levelAll[size_t(lo)];
+                ++lo;
+            }
+            if (hi & 1) {
+                --hi;
+                o |= levelOnes[size_t(hi)];
+                a &= levelAll[size_t(hi)];
+            }
+            lo /= 2;
+            hi /= 2;
+        }
+    }
+    *ones = o;
+    *all = a;
+}
+
+// ---------------------------------------------------------------------------
+// ScopeTracePrivate
+
+ScopeTracePrivate::ScopeTracePrivate(ScopeTrace* q, QObject* parent, int number)
+    : QObject(q)
+    , q_ptr(q)
+    , shot(parent)
+    , number(number)
+    , color(Qt::red)
+{
+#ifdef SCOPETRACE_HAVE_APPSETTINGS
+    color = AppSettings::instance()->defaultTraceColor(number);
+#endif
+    connect(this, &ScopeTracePrivate::changed, q, &ScopeTrace::changed);
+    connect(this, &ScopeTracePrivate::viewChanged, q, &ScopeTrace::viewChanged);
+    connect(this, &ScopeTracePrivate::quickMeasureValue, q, &ScopeTrace::quickMeasureValue);
+}
+
+// The animations have no parent; they stay (stopped) until the trace goes.
+ScopeTracePrivate::~ScopeTracePrivate()
+{
+    qDeleteAll(animations);
+}
+
+qint64 ScopeTracePrivate::sampleTime(qint64 index) const
+{
+    return (index - triggerIndex) * qint64(timeBase) * 100;
+}
+
+int ScopeTracePrivate::sampleIndex(qint64 time) const
+{
+    const double step = double(timeBase) * 100.0;
+    const double index = std::floor(double(time) / step) + double(triggerIndex);
+    return toInt32(index);
+}
+
+quint32 ScopeTracePrivate::byteSize() const
+{
+    return DatatypeProvider::instance()->byteSize(physicalDatatype);
+}
+
+void ScopeTracePrivate::applyScalingFactor(double factor)
+{
+    if (off)
+        return;
+    const int k = sampleIndex(anchorTime);
+    if (k >= 0 && k < samples.size())
+        anchorValue = samples.at(k) * invertScalingFactor;
+    const double newOffset = scalingFactor * anchorValue + verticalOffset - anchorValue * factor;
+    if (newOffset == verticalOffset && factor == scalingFactor)
+        return;
+    verticalOffset = newOffset;
+    scalingFactor = factor;
+    Q_EMIT changed();
+    Q_EMIT viewChanged();
+}
+
+void ScopeTracePrivate::zoom(bool in)
+{
+    if (binaryView) {
+        if (in) {
+            if (scalingFactor < 0.2)
+                scalingFactor = 0.25;
+            else if (scalingFactor < 0.4)
+                scalingFactor = 0.5;
+            else if (scalingFactor < 0.9)
+                scalingFactor = 1.0;
+        } else {
+            if (scalingFactor > 0.9)
+                scalingFactor = 0.5;
+            else if (scalingFactor > 0.4)
+                scalingFactor = 0.25;
+            else if (scalingFactor > 0.2)
+                scalingFactor = 0.125;
+        }
+        Q_EMIT changed();
+        Q_EMIT viewChanged();
+        return;
+    }
+    applyScalingFactor(in ? ScopeSeries::niceFactorUp(scalingFactor)
+                          : ScopeSeries::niceFactorDown(scalingFactor));
+}
+
+void ScopeTracePrivate::setFlag(bool* flag, bool value, bool animated, double* factor, double endValue,
+                                int easing, void (ScopeTracePrivate::*slot)(const QVariant&))
+{
+    if (*flag == value)
+        return;
+    if (animated) {
+        // The animation only serves as a clock with an easing curve: its
+        // values reach the factor through the slot.
+        auto* animation = new QPropertyAnimation(this, QByteArray());
+        animation->setStartValue(*factor);
+        animation->setEndValue(endValue);
+        animation->setDuration(250);
+        animation->setEasingCurve(QEasingCurve::Type(easing));
+        connect(animation, &QVariantAnimation::valueChanged, this, slot);
+        animations.append(animation);
+        animation->start(QAbstractAnimation::KeepWhenStopped);
+    } else {
+        *factor = endValue;
+    }
+    *flag = value;
+    Q_EMIT changed();
+    Q_EMIT viewChanged();
+}
+
+void ScopeTracePrivate::rebuildBinaryBits()
+{
+    binaryBits.clear();
+    const quint32 bits = byteSize() * 8;
+    for (quint32 b = 0; b < bits && b < 64; ++b) {
+        if (b < 32 && (binaryViewMask & (1u << b)))
+            binaryBits.append(char(b));
+    }
+}
+
+void ScopeTracePrivate::setGroundScalingFactor(const QVariant& value)
+{
+    groundScalingFactor = value.toDouble();
+    Q_EMIT updateRequired();
+}
+
+void ScopeTracePrivate::setOffAlphaFactor(const QVariant& value)
+{
+    offAlphaFactor = value.toDouble();
+    Q_EMIT updateRequired();
+}
+
+void ScopeTracePrivate::setInvertScalingFactor(const QVariant& value)
+{
+    invertScalingFactor = value.toDouble();
+    Q_EMIT updateRequired();
+}
+
+// ---------------------------------------------------------------------------
+// Value texts
+
+QString ScopeTracePrivate::hexText(double value) const
+{
+    const quint64 v = toUInt64(value);
+    QString digits;
+    switch (byteSize()) {
+    case 1:
+        digits = QString::asprintf("%02x", unsigned(v & 0xffu));
+        break;
+    case 2:
+        digits = QString::asprintf("%04x", unsigned(v & 0xffffu));
+        break;
+    case 4:
+        digits = QString::asprintf("%08x", unsigned(v & 0xffffffffu));
+        break;
+    case 8:
+        // Only the low half reaches the text; the high digits stay zero.
+        digits = QString::asprintf("%016x", unsigned(v & 0xffffffffu));
+        break;
+    default:
+        break;
+    }
+    return groupByFour(digits) + QLatin1String(" hex");
+}
+
+QString ScopeTracePrivate::binaryText(double value) const
+{
+    const quint32 v = quint32(quint64(toInt64(value)) & 0xffffffffu);
+    const quint32 bits = std::min<quint32>(byteSize() * 8, 64);
+    QString digits;
+    digits.reserve(int(bits));
+    for (quint32 b = 0; b < bits; ++b) {
+        QChar c = (v & (1u << (b % 32))) ? QLatin1Char('1') : QLatin1Char('0');
+        if (binaryView && !binaryBits.contains(char(b)))
+            c = QLatin1Char('-');
+        digits.prepend(c);
+    }
+    return groupByFour(digits) + QLatin1String(" bin");
+}
+
+static QString decimalText(double v, int d)
+{
+    QString text;
+    const double magnitude = std::fabs(v);
+    if ((magnitude >= 0.001 && magnitude <= 9999999.4) || v == 0.0) {
+        text = QString::asprintf("%.*f", d, v);
+    } else {
+        int e = int(std::trunc(std::log10(magnitude)));
+        e = (e / 3) * 3;
+        double m = magnitude / std::pow(10.0, e);
+        if (m < 1.0) {
+            m *= 1000.0;
+            e -= 3;
+        }
+        const int decimals = std::max(0, d - int(std::trunc(std::log10(m))) - 1);
+        text = QString::asprintf("%.*f", decimals, v < 0 ? -m : m);
+        while (text.endsWith(QLatin1Char('0')))
+            text.chop(1);
+        if (text.endsWith(QLatin1Char('.')))
+            text.chop(1);
+        text += QString::asprintf("E%+d", e);
+    }
+    text.replace(QLatin1Char('.'), QLocale::system().decimalPoint());
+    return text;
+}
+
+QString ScopeTracePrivate::numberText(double value, bool withUnit) const
+{
+    const SimpleType* type = DatatypeProvider::instance()->simpleType(physicalDatatype);
+    if (!type)
+        return QString();
+    QString text;
+    const bool unsignedKind = type->kind() == eSimpleTypeKindUnsigned;
+    if (type->kind() == eSimpleTypeKindFractional || decimalPlaces != 0) {
+        text = decimalText(value, int(std::min<quint32>(decimalPlaces, 340)));
+    } else if (type->number() < 5) {
+        if (unsignedKind)
+            text = QStringLiteral("%1").arg(quint32(toUInt64(value) & 0xffffffffu));
+        else
+            text = QStringLiteral("%1").arg(qint32(quint32(quint64(toInt64(value)) & 0xffffffffu)));
+    } else {
+        if (unsignedKind)
+            text = QStringLiteral("%1").arg(toUInt64(value));
+        else
+            text = QStringLiteral("%1").arg(toInt64(value));
+    }
+    if (withUnit)
+        text += QLatin1Char(' ') + measure;
+    return text;
+}
+
+QString ScopeTracePrivate::valueText(double value, bool withUnit) const
+{
+    if (std::isnan(value))
+        return QStringLiteral("---");
+    if (binaryView)
+        return binaryText(value);
+    switch (parameterKind) {
+    case 1: {
+        const QString number = QStringLiteral("%1").arg(value, 0, 'g', QLocale::FloatingPointShortest,
+                                                         QLatin1Char(' '));
+        return QStringLiteral("%1:%2").arg(number, choiceMap.value(toInt32(value)));
+    }
+    case 3:
+        return hexText(value);
+    case 4:
+        return binaryText(value);
+    case 7: {
+        const quint64 v = toUInt64(value);
+        return QStringLiteral("%1h %2m %3s")
+            .arg(v >> 12)
+            .arg((v >> 6) & 63, 2, 10, QLatin1Char('0'))
+            .arg(v & 63, 2, 10, QLatin1Char('0'));
+    }
+    default:
+        return numberText(value, withUnit);
+    }
+}
+
+// ---------------------------------------------------------------------------
+// ScopeTrace
+
+ScopeTrace::ScopeTrace(QObject* parent, unsigned number)
+    : QObject(parent)
+    , d_ptr(new ScopeTracePrivate(this, parent, int(number)))
+{
+    Q_D(ScopeTrace);
+    connect(d, &ScopeTracePrivate::updateRequired, this, &ScopeTrace::changed);
+}
+
+ScopeTrace::~ScopeTrace() = default;
+
+QObject* ScopeTrace::shot() const
+{
+    Q_D(const ScopeTrace);
+    return d->shot;
+}
+
+int ScopeTrace::number() const
+{
+    Q_D(const ScopeTrace);
+    return d->number;
+}
+
+QString ScopeTrace::name() const
+{
+    Q_D(const ScopeTrace);
+    return d->name;
+}
+
+void ScopeTrace::setName(const QString& name)
+{
+    Q_D(ScopeTrace);
+    if (d->name == name)
+        return;
+    d->name = name;
+    Q_EMIT d->changed();
+}
+
+QString ScopeTrace::measure() const
+{
+    Q_D(const ScopeTrace);
+    return d->measure;
+}
+
+void ScopeTrace::setMeasure(const QString& measure)
+{
+    Q_D(ScopeTrace);
+    if (d->measure == measure)
+        return;
+    d->measure = measure;
+    Q_EMIT d->changed();
+}
+
+quint8 ScopeTrace::physicalDatatype() const
+{
+    Q_D(const ScopeTrace);
+    return d->physicalDatatype;
+}
+
+void ScopeTrace::setPhysicalDatatype(quint8 datatype)
+{
+    Q_D(ScopeTrace);
+    if (d->physicalDatatype == datatype)
+        return;
+    d->physicalDatatype = datatype;
+    Q_EMIT d->changed();
+}
+
+unsigned ScopeTrace::decimalPlaces() const
+{
+    Q_D(const ScopeTrace);
+    return d->decimalPlaces;
+}
+
+void ScopeTrace::setDecimalPlaces(unsigned decimalPlaces)
+{
+    Q_D(ScopeTrace);
+    if (d->decimalPlaces == decimalPlaces)
+        return;
+    d->decimalPlaces = decimalPlaces;
+    Q_EMIT d->changed();
+}
+
+int ScopeTrace::parameterKind() const
+{
+    Q_D(const ScopeTrace);
+    return int(d->parameterKind);
+}
+
+void ScopeTrace::setParameterKind(int kind)
+{
+    Q_D(ScopeTrace);
+    d->parameterKind = quint32(kind);
+    Q_EMIT d->changed();
+}
+
+QMap<qint32, QString> ScopeTrace::choiceMap() const
+{
+    Q_D(const ScopeTrace);
+    return d->choiceMap;
+}
+
+void ScopeTrace::setChoiceMap(const QMap<qint32, QString>& choiceMap)
+{
+    Q_D(ScopeTrace);
+    if (d->choiceMap == choiceMap)
+        return;
+    d->choiceMap = choiceMap;
+    Q_EMIT d->changed();
+}
+
+QVector<double> ScopeTrace::samples() const
+{
+    Q_D(const ScopeTrace);
+    return d->samples;
+}
+
+void ScopeTrace::setSamples(const QVector<double>& samples)
+{
+    Q_D(ScopeTrace);
+    // Element by element, so that a NaN always counts as a change.
+    if (d->samples.size() == samples.size()
+        && std::equal(samples.cbegin(), samples.cend(), d->samples.cbegin()))
+        return;
+    d->samples = samples;
+    d->envelope.build(d->samples);
+    d->bitEnvelope.clear();
+    Q_EMIT d->changed();
+}
+
+int ScopeTrace::triggerIndex() const
+{
+    Q_D(const ScopeTrace);
+    return d->triggerIndex;
+}
+
+void ScopeTrace::setTriggerIndex(int triggerIndex)
+{
+    Q_D(ScopeTrace);
+    if (d->triggerIndex == triggerIndex)
+        return;
+    d->triggerIndex = triggerIndex;
+    Q_EMIT d->changed();
+}
+
+unsigned ScopeTrace::timeBase() const
+{
+    Q_D(const ScopeTrace);
+    return d->timeBase;
+}
+
+void ScopeTrace::setTimeBase(unsigned timeBase)
+{
+    Q_D(ScopeTrace);
+    if (d->timeBase == timeBase)
+        return;
+    d->timeBase = timeBase;
+    Q_EMIT d->changed();
+}
+
+qint64 ScopeTrace::startTime() const
+{
+    Q_D(const ScopeTrace);
+    return -(qint64(d->timeBase) * d->triggerIndex * 100);
+}
+
+qint64 ScopeTrace::endTime() const
+{
+    Q_D(const ScopeTrace);
+    return (qint64(d->samples.size()) - 1 - d->triggerIndex) * qint64(d->timeBase) * 100;
+}
+
+int ScopeTrace::sampleIndex(qint64 time) const
+{
+    Q_D(const ScopeTrace);
+    return d->sampleIndex(time);
+}
+
+qint64 ScopeTrace::sampleTime(int index) const
+{
+    Q_D(const ScopeTrace);
+    return d->sampleTime(index);
+}
+
+QColor ScopeTrace::color() const
+{
+    Q_D(const ScopeTrace);
+    return d->color;
+}
+
+void ScopeTrace::setColor(const QColor& color)
+{
+    Q_D(ScopeTrace);
+    if (d->color == color)
+        return;
+    d->color = color;
+    Q_EMIT d->changed();
+    Q_EMIT d->viewChanged();
+}
+
+double ScopeTrace::scalingFactor() const
+{
+    Q_D(const ScopeTrace);
+    return d->scalingFactor;
+}
+
+void ScopeTrace::setScalingFactor(double factor)
+{
+    Q_D(ScopeTrace);
+    d->applyScalingFactor(factor);
+}
+
+double ScopeTrace::verticalOffset() const
+{
+    Q_D(const ScopeTrace);
+    return d->verticalOffset;
+}
+
+void ScopeTrace::setVerticalOffset(double offset)
+{
+    Q_D(ScopeTrace);
+    if (d->off || d->verticalOffset == offset)
+        return;
+    d->verticalOffset = offset;
+    Q_EMIT d->changed();
+    Q_EMIT d->viewChanged();
+}
+
+void ScopeTrace::shiftVerticalOffset(int pixels)
+{
+    Q_D(ScopeTrace);
+    setVerticalOffset(pixels * d->unitsPerPixel + d->verticalOffset);
+}
+
+bool ScopeTrace::isOff() const
+{
+    Q_D(const ScopeTrace);
+    return d->off;
+}
+
+void ScopeTrace::setOff(bool off, bool animated)
+{
+    Q_D(ScopeTrace);
+    d->setFlag(&d->off, off, animated, &d->offAlphaFactor, off ? 0.0 : 1.0, QEasingCurve::Linear,
+               &ScopeTracePrivate::setOffAlphaFactor);
+}
+
+bool ScopeTrace::isGround() const
+{
+    Q_D(const ScopeTrace);
+    return d->ground;
+}
+
+void ScopeTrace::setGround(bool ground, bool animated)
+{
+    Q_D(ScopeTrace);
+    d->setFlag(&d->ground, ground, animated, &d->groundScalingFactor, ground ? 0.0 : 1.0,
+               QEasingCurve::InOutSine, &ScopeTracePrivate::setGroundScalingFactor);
+}
+
+bool ScopeTrace::isInverted() const
+{
+    Q_D(const ScopeTrace);
+    return d->inverted;
+}
+
+void ScopeTrace::setInverted(bool inverted, bool animated)
+{
+    Q_D(ScopeTrace);
+    d->setFlag(&d->inverted, inverted, animated, &d->invertScalingFactor, inverted ? -1.0 : 1.0,
+               QEasingCurve::InOutSine, &ScopeTracePrivate::setInvertScalingFactor);
+}
+
+bool ScopeTrace::isBinaryView() const
+{
+    Q_D(const ScopeTrace);
+    return d->binaryView;
+}
+
+void ScopeTrace::setBinaryView(bool binaryView)
+{
+    Q_D(ScopeTrace);
+    if (d->binaryView == binaryView)
+        return;
+    std::swap(d->scalingFactor, d->binaryScalingFactorBackup);
+    d->binaryView = binaryView;
+    Q_EMIT d->changed();
+    Q_EMIT d->viewChanged();
+}
+
+unsigned ScopeTrace::binaryViewMask() const
+{
+    Q_D(const ScopeTrace);
+    return d->binaryViewMask;
+}
+
+void ScopeTrace::setBinaryViewMask(unsigned mask)
+{
+    Q_D(ScopeTrace);
+    d->binaryViewMask = mask;
+    d->rebuildBinaryBits();
+    Q_EMIT d->changed();
+    Q_EMIT d->viewChanged();
+}
+
+QByteArray ScopeTrace::binaryBits() const
+{
+    Q_D(const ScopeTrace);
+    return d->binaryBits;
+}
+
+double ScopeTrace::binaryScalingFactorBackup() const
+{
+    Q_D(const ScopeTrace);
+    return d->binaryScalingFactorBackup;
+}
+
+double ScopeTrace::groundScalingFactor() const
+{
+    Q_D(const ScopeTrace);
+    return d->groundScalingFactor;
+}
+
+double ScopeTrace::offAlphaFactor() const
+{
+    Q_D(const ScopeTrace);
+    return d->offAlphaFactor;
+}
+
+double ScopeTrace::invertScalingFactor() const
+{
+    Q_D(const ScopeTrace);
+    return d->invertScalingFactor;
+}
+
+double ScopeTrace::unitsPerPixel() const
+{
+    Q_D(const ScopeTrace);
+    return d->unitsPerPixel;
+}
+
+qint64 ScopeTrace::viewLeftTime() const
+{
+    Q_D(const ScopeTrace);
+    return d->viewLeftTime;
+}
+
+qint64 ScopeTrace::viewRightTime() const
+{
+    Q_D(const ScopeTrace);
+    return d->viewRightTime;
+}
+
+qint64 ScopeTrace::anchorTime() const
+{
+    Q_D(const ScopeTrace);
+    return d->anchorTime;
+}
+
+double ScopeTrace::anchorValue() const
+{
+    Q_D(const ScopeTrace);
+    return d->anchorValue;
+}
+
+void ScopeTrace::autoScale()
+{
+    Q_D(ScopeTrace);
+    if (d->binaryView) {
+        d->scalingFactor = 0.25;
+        d->verticalOffset = 1.0;
+    } else {
+        // The range always holds zero, so that the zero line is on screen.
+        double lowest = 0.0;
+        double highest = 0.0;
+        for (double sample : std::as_const(d->samples)) {
+            if (sample < lowest)
+                lowest = sample;
+            if (sample > highest)
+                highest = sample;
+        }
+        if (!std::isfinite(lowest))
+            lowest = -std::numeric_limits<double>::max();
+        if (!std::isfinite(highest))
+            highest = std::numeric_limits<double>::max();
+        const double span = std::max(highest - lowest, 1.0);
+        const double factor = ScopeSeries::niceFactorAtMost(double(verticalUnits()) / span);
+        d->scalingFactor = std::isfinite(factor) && factor > 0.0 ? factor : 1.0;
+        d->verticalOffset = double(1 - qint64(std::round(std::clamp(d->scalingFactor * lowest, -1e15, 1e15))));
+    }
+    Q_EMIT d->updateRequired();
+    Q_EMIT d->viewChanged();
+}
+
+void ScopeTrace::zoomIn()
+{
+    Q_D(ScopeTrace);
+    zoomIn((d->viewRightTime - d->viewLeftTime) / 2 + d->viewLeftTime);
+}
+
+void ScopeTrace::zoomIn(qint64 time)
+{
+    Q_D(ScopeTrace);
+    if (d->off)
+        return;
+    d->anchorTime = time;
+    d->zoom(true);
+}
+
+void ScopeTrace::zoomOut()
+{
+    Q_D(ScopeTrace);
+    zoomOut((d->viewRightTime - d->viewLeftTime) / 2 + d->viewLeftTime);
+}
+
+void ScopeTrace::zoomOut(qint64 time)
+{
+    Q_D(ScopeTrace);
+    if (d->off)
+        return;
+    d->anchorTime = time;
+    d->zoom(false);
+}
+
+QString ScopeTrace::valueText(double value, bool withUnit) const
+{
+    Q_D(const ScopeTrace);
+    return d->valueText(value, withUnit);
+}
+
+bool ScopeTrace::readSection(KlIniParser::IniSection& section)
+{
+    Q_D(ScopeTrace);
+    // The caller refreshes its views once the whole section is read.
+    const QSignalBlocker blocker(d);
+
+    if (section.contains("Name"))
+        d->name = QString::fromLatin1(section.value("Name"));
+    if (section.contains("Measure"))
+        d->measure = QString::fromLatin1(section.value("Measure"));
+    bool ok = false;
+    if (section.contains("PhysicalDatatype")) {
+        const uint value = section.value("PhysicalDatatype").toUInt(&ok);
+        if (ok)
+            d->physicalDatatype = quint8(value);
+    }
+    if (section.contains("DecimalPlaces")) {
+        const uint value = section.value("DecimalPlaces").toUInt(&ok);
+        if (ok)
+            d->decimalPlaces = value;
+    }
+    if (section.contains("ParameterKind")) {
+        const uint value = section.value("ParameterKind").toUInt(&ok);
+        if (ok)
+            d->parameterKind = value;
+    }
+    if (section.contains("ChoiceMap")) {
+        d->choiceMap.clear();
+        const QList<QByteArray> items = section.value("ChoiceMap").split(',');
+        for (const QByteArray& item : items) {
+            if (item.isEmpty())
+                continue;
+            const qsizetype colon = item.indexOf(':');
+            const QByteArray key = colon < 0 ? item : item.left(colon);
+            const QByteArray text = colon < 0 ? QByteArray() : item.mid(colon + 1);
+            if (key.isEmpty())
+                continue;
+            const int number = key.trimmed().toInt(&ok, 10);
+            if (ok)
+                d->choiceMap.insert(number, QString::fromLatin1(text));
+        }
+    }
+
+    autoScale();
+
+    if (section.contains("ViewScalingFactor")) {
+        const double value = section.value("ViewScalingFactor").toDouble(&ok);
+        if (ok)
+            d->applyScalingFactor(value);
+    }
+    if (section.contains("BinaryScalingFactorBackup")) {
+        const double value = section.value("BinaryScalingFactorBackup").toDouble(&ok);
+        if (ok)
+            d->binaryScalingFactorBackup = value;
+    }
+    if (section.contains("ViewVerticalOffset") && !d->off) {
+        const double value = section.value("ViewVerticalOffset").toDouble(&ok);
+        if (ok)
+            d->verticalOffset = value;
+    }
+    if (section.contains("ViewOff"))
+        setOff(section.value("ViewOff").toInt() == 1, false);
+    if (section.contains("ViewGround"))
+        setGround(section.value("ViewGround").toInt() == 1, false);
+    if (section.contains("ViewInverted"))
+        setInverted(section.value("ViewInverted").toInt() == 1, false);
+    if (section.contains("Color")) {
+        const uint value = section.value("Color").toUInt(&ok);
+        if (ok)
+            d->color = QColor::fromRgba(value);
+    }
+    if (section.contains("BinaryView"))
+        d->binaryView = section.value("BinaryView").toInt() == 1;
+    if (section.contains("BinaryViewMask")) {
+        const uint value = section.value("BinaryViewMask").toUInt(&ok);
+        if (ok)
+            setBinaryViewMask(value);
+    }
+    return true;
+}
+
+void ScopeTrace::writeSection(KlIniParser::IniSection& section) const
+{
+    Q_D(const ScopeTrace);
+    const QByteArray one("1");
+    const QByteArray zero("0");
+    section.setValue("ViewScalingFactor", QByteArray::number(d->scalingFactor, 'g', 6));
+    section.setValue("BinaryScalingFactorBackup", QByteArray::number(d->binaryScalingFactorBackup, 'g', 6));
+    section.setValue("ViewVerticalOffset", QByteArray::number(d->verticalOffset, 'g', 6));
+    section.setValue("ViewOff", d->off ? one : zero);
+    section.setValue("ViewGround", d->ground ? one : zero);
+    section.setValue("ViewInverted", d->inverted ? one : zero);
+    section.setValue("Color", QByteArray::number(d->color.rgba()));
+    section.setValue("BinaryView", d->binaryView ? one : zero);
+    section.setValue("BinaryViewMask", QByteArray::number(d->binaryViewMask));
+    section.setValue("ParameterKind", QByteArray::number(d->parameterKind));
+}
+
+void ScopeTrace::paint(const ScopeLayout* layout, QPainter* painter, qint64 leftTime, qint64 rightTime)
+{
+    Q_D(ScopeTrace);
+    d->paint(layout, painter, leftTime, rightTime, ScopeTracePrivate::Drawing::Envelope);
+}
+
+void ScopeTrace::paintEverySample(const ScopeLayout* layout, QPainter* painter, qint64 leftTime,
+                                  qint64 rightTime)
+{
+    Q_D(ScopeTrace);
+    d->paint(layout, painter, leftTime, rightTime, ScopeTracePrivate::Drawing::EverySample);
+}
+
+int ScopeTrace::verticalUnits() const
+{
+    return 6;
+}
+
+int ScopeTrace::binaryLabelExtent() const
+{
+    Q_D(const ScopeTrace);
+    return d->binaryView ? binaryLabelWidth : 0;
+}
+
+void ScopeTrace::publishQuickMeasureRequest(qint64 timeStamp)
+{
+    Q_D(ScopeTrace);
+    const int k = d->sampleIndex(timeStamp);
+    if (k >= 0 && k < d->samples.size())
+        Q_EMIT d->quickMeasureValue(d->sampleTime(k), d->valueText(d->samples.at(k), true), true);
+    else
+        Q_EMIT d->quickMeasureValue(0, QString(), false);
+}
+
+void ScopeTrace::publishQuickMeasureDisabled()
+{
+    Q_D(ScopeTrace);
+    Q_EMIT d->quickMeasureValue(0, QString(), false);
+}
+
+// ---------------------------------------------------------------------------
+// Drawing
+
+void ScopeTracePrivate::paint(const ScopeLayout*, QPainter*, qint64, qint64, Drawing)
+{
+}
