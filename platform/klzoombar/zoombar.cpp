@@ -427,6 +427,11 @@ void ZoomBar::mouseMoveEvent(QMouseEvent* event)
         break;
     }
     case ZoomBarPrivate::Part::Span: {
+        if (pressRight - pressLeft > hi - lo) {
+            // The range shrank under the gesture; the slider no longer fits.
+            d->applySlider(pressLeft + delta, pressRight + delta);
+            break;
+        }
         Wide shift = delta;
         shift = std::max(shift, lo - pressLeft);
         shift = std::min(shift, hi - pressRight);
@@ -503,6 +508,17 @@ void ZoomBar::keyPressEvent(QKeyEvent* event)
         return;
     }
     event->accept();
+}
+
+void ZoomBar::leaveEvent(QEvent* event)
+{
+    Q_D(ZoomBar);
+    if (d->grab == ZoomBarPrivate::Part::None && d->hover != ZoomBarPrivate::Part::None) {
+        d->hover = ZoomBarPrivate::Part::None;
+        unsetCursor();
+        update();
+    }
+    QWidget::leaveEvent(event);
 }
 
 void ZoomBar::changeEvent(QEvent* event)

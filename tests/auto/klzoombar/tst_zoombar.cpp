@@ -351,6 +351,33 @@ private Q_SLOTS:
         QCOMPARE(bar.sliderRight(), 2000);
     }
 
+    void rangeShrinksDuringDrag()
+    {
+        ZoomBar bar;
+        showBar(bar);
+        setUp(bar, 0, 4000, 1000, 3000);
+        const int y = bar.height() / 2;
+        QTest::mousePress(&bar, Qt::LeftButton, Qt::NoModifier, QPoint(200, y));
+        bar.setRange(1500, 2500);
+        QCOMPARE(bar.sliderLeft(), 1500);
+        QCOMPARE(bar.sliderRight(), 2500);
+        QTest::mouseMove(&bar, QPoint(260, y));
+        QCOMPARE(bar.sliderLeft(), 1500);
+        QCOMPARE(bar.sliderRight(), 2500);
+        QTest::mouseRelease(&bar, Qt::LeftButton, Qt::NoModifier, QPoint(260, y));
+
+        // The same for a handle.
+        setUp(bar, 0, 4000, 1000, 3000);
+        const int leftHandle = 10 + int(bar.sliderLeft() * 400 / 4000) - 5;
+        QTest::mousePress(&bar, Qt::LeftButton, Qt::NoModifier, QPoint(leftHandle, y));
+        bar.setMaximum(2000);
+        QTest::mouseMove(&bar, QPoint(leftHandle + 300, y));
+        QVERIFY(bar.sliderLeft() >= bar.minimum());
+        QVERIFY(bar.sliderLeft() <= bar.sliderRight());
+        QVERIFY(bar.sliderRight() <= bar.maximum());
+        QTest::mouseRelease(&bar, Qt::LeftButton, Qt::NoModifier, QPoint(leftHandle + 300, y));
+    }
+
     void pageClicks()
     {
         ZoomBar bar;
