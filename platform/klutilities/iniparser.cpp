@@ -91,13 +91,51 @@ void IniSectionPrivate::appendParsed(const char* key, quint32 keyLength, quint32
     entry.hash = hash;
     entries.push_back(entry);
     const size_t position = entries.size() - 1;
-    if (!index.isEmpty()) {
+    if (!index.isEmpty())
         index.insert(hash, quint32(position));
-    } else if (entries.size() > LinearSearchLimit) {
-        index.reserve(entries.size());
-        for (size_t i = 0; i < entries.size(); ++i)
-            index.insert(entries[i].hash, quint32(i));
+    else if (entries.size() > LinearSearchLimit)
+        buildIndex();
+}
+
+void IniSectionPrivate::addParsed(QByteArrayView key, QByteArrayView value)
+{
+    const quint32 hash = IniParserPrivate::hashOf(key);
+    qsizetype position;
+    if (index.isEmpty()) {
+        position = indexOf(key, hash);
+        if (position < 0) {
+            appendParsed(key.data(), quint32(key.size()), hash, value.data(), quint32(value.size()));
+            return;
+        }
+    } else {
+        // One probe finds a repeated key or reserves the slot of a new one.
+        position = index.findOrInsert(hash, quint32(entries.size()), [&](quint32 candidate) {
+            const IniEntry& entry = entries[candidate];
+            return !entry.isRemoved() && entry.keyView() == key;
+        });
+        if (position < 0) {
+            IniEntry entry;
+            entry.key = key.data();
+            entry.keyLength = quint32(key.size());
+            entry.value = value.data();
+            entry.valueLength = quint32(value.size());
+            entry.hash = hash;
+            entries.push_back(entry);
+            return;
+        }
     }
+    // A repeated key keeps its place and takes the last value.
+    IniEntry& entry = entries[size_t(position)];
+    entry.value = value.data();
+    entry.valueLength = quint32(value.size());
+}
+
+void IniSectionPrivate::buildIndex() const
+{
+    index.clear();
+    index.reserve(entries.size());
+    for (size_t i = 0; i < entries.size(); ++i)
+        index.insert(entries[i].hash, quint32(i));
 }
 
 qint32 IniSectionPrivate::takeStorage()
@@ -165,11 +203,8 @@ void IniSectionPrivate::compact() const
                   entries.end());
     removedCount = 0;
     index.clear();
-    if (entries.size() > LinearSearchLimit) {
-        index.reserve(entries.size());
-        for (size_t i = 0; i < entries.size(); ++i)
-            index.insert(entries[i].hash, quint32(i));
-    }
+    if (entries.size() > LinearSearchLimit)
+        buildIndex();
 }
 
 // ---------------------------------------------------------------------------
@@ -350,17 +385,7 @@ void IniParserPrivate::parse()
         const QByteArrayView value = trimmed(equals + 1, last);
         if (key.size() > MaximumLength || value.size() > MaximumLength)
             continue;
-        const quint32 hash = hashOf(key);
-        const qsizetype position = current->indexOf(key, hash);
-        if (position >= 0) {
-            // A repeated key keeps its place and takes the last value.
-            IniEntry& entry = current->entries[size_t(position)];
-            entry.value = value.data();
-            entry.valueLength = quint32(value.size());
-        } else {
-            current->appendParsed(key.data(), quint32(key.size()), hash, value.data(),
-                                  quint32(value.size()));
-        }
+        current->addParsed(key, value);
     }
 }
 

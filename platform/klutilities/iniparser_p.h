@@ -69,6 +69,26 @@ public:
         }
     }
 
+    /* One probe for both: the position of the matching key, or -1 after
+       recording newPosition for it (the caller then appends it there). */
+    template<typename Matches>
+    qsizetype findOrInsert(quint32 hash, quint32 newPosition, Matches matches)
+    {
+        if ((m_used + 1) * 2 > m_slots.size())
+            rehash(m_slots.empty() ? 16 : m_slots.size() * 2);
+        const size_t mask = m_slots.size() - 1;
+        for (size_t i = hash & mask;; i = (i + 1) & mask) {
+            Slot& slot = m_slots[i];
+            if (slot.position == 0) {
+                slot = Slot{newPosition + 1, hash};
+                ++m_used;
+                return -1;
+            }
+            if (slot.hash == hash && matches(slot.position - 1))
+                return slot.position - 1;
+        }
+    }
+
     // The caller makes sure that the key is not in the index yet.
     void insert(quint32 hash, quint32 position)
     {
@@ -130,6 +150,8 @@ public:
     qsizetype indexOf(QByteArrayView key, quint32 hash) const;
     void appendParsed(const char* key, quint32 keyLength, quint32 hash, const char* value,
                       quint32 valueLength);
+    void addParsed(QByteArrayView key, QByteArrayView value);
+    void buildIndex() const;
     void setValue(QByteArrayView key, quint32 hash, QByteArrayView value);
     bool remove(QByteArrayView key, quint32 hash);
     void compact() const;
