@@ -13,3 +13,12 @@ target_sources(OvScopeInternal PRIVATE
     ${CMAKE_CURRENT_LIST_DIR}/frequencyfftwtransform.h
     ${CMAKE_CURRENT_LIST_DIR}/frequencyfftwtransform.cpp
 )
+
+target_sources(OvScopeInternal PRIVATE
+    ${CMAKE_CURRENT_LIST_DIR}/frequencytrace.h
+    ${CMAKE_CURRENT_LIST_DIR}/frequencytrace_p.h
+    ${CMAKE_CURRENT_LIST_DIR}/frequencytrace.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/frequencyspectrum.h
+    ${CMAKE_CURRENT_LIST_DIR}/frequencyspectrum_p.h
+    ${CMAKE_CURRENT_LIST_DIR}/frequencyspectrum.cpp
+)
