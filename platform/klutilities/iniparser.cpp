@@ -43,7 +43,7 @@ QByteArrayView normalized(QByteArrayView bytes, QByteArray& buffer)
     bytes = trimmed(bytes);
     const char* data = bytes.data();
     const qsizetype size = bytes.size();
-    if (!std::memchr(data, '\n', size) && !std::memchr(data, '\r', size))
+    if (size == 0 || (!std::memchr(data, '\n', size_t(size)) && !std::memchr(data, '\r', size_t(size))))
         return bytes;
     buffer = bytes.toByteArray();
     std::replace(buffer.begin(), buffer.end(), '\n', ' ');

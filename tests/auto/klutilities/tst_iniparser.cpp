@@ -13,6 +13,13 @@ namespace {
 
 const QByteArray Bom("\xEF\xBB\xBF");
 
+// A byte array of a literal with embedded NUL bytes, all of it.
+template<size_t N>
+QByteArray bytes(const char (&literal)[N])
+{
+    return QByteArray(literal, qsizetype(N - 1));
+}
+
 QByteArray rewrite(const QByteArray& text)
 {
     IniParser parser;
@@ -98,7 +105,7 @@ void tst_IniParser::parseAndWrite_data()
     QTest::newRow("inner CR kept") << QByteArray("[A]\nk=a\rb\n") << QByteArray("[A]\r\nk=a\rb\r\n");
     QTest::newRow("trailing CRs trimmed") << QByteArray("[A]\nk=v\r\r\r\n") << QByteArray("[A]\r\nk=v\r\n");
     QTest::newRow("lone CR is no line end") << QByteArray("[A]\rk=v\n") << QByteArray();
-    QTest::newRow("NUL bytes") << QByteArray("[A\0B]\nk\0=v\0w\n", 15) << QByteArray("[A\0B]\r\nk\0=v\0w\r\n", 15);
+    QTest::newRow("NUL bytes") << bytes("[A\0B]\nk\0=v\0w\n") << bytes("[A\0B]\r\nk\0=v\0w\r\n");
 }
 
 void tst_IniParser::parseAndWrite()
@@ -128,7 +135,7 @@ void tst_IniParser::roundTrip_data()
     QTest::newRow("BOM twice") << QByteArray("\xEF\xBB\xBF\xEF\xBB\xBF[A]\nk=v\n");
     QTest::newRow("BOM inside") << QByteArray("[A]\n\xEF\xBB\xBFk=v\n");
     QTest::newRow("invalid UTF-8") << QByteArray("[\xC3\x28]\n\xFF\xFE=\x80\x81\n");
-    QTest::newRow("NUL") << QByteArray("[\0]\n\0=\0\n", 9);
+    QTest::newRow("NUL") << bytes("[\0]\n\0=\0\n");
     QTest::newRow("form feed and vertical tab") << QByteArray("[A]\n\fk\v=\tv\f\n");
     QTest::newRow("blank name") << QByteArray("[   ]\nk=v\n");
     QTest::newRow("duplicates") << QByteArray("[A]\nk=1\n[B]\nk=2\n[A]\nk=3\nl=4\n[B]\n");
@@ -377,7 +384,7 @@ void tst_IniParser::setValueNormalises_data()
                                  << QByteArray("a  b");
     QTest::newRow("value with = and ;") << QByteArray("k") << QByteArray(";x=[y]") << QByteArray("k")
                                         << QByteArray(";x=[y]");
-    QTest::newRow("NUL") << QByteArray("k\0", 2) << QByteArray("\0", 1) << QByteArray("k\0", 2) << QByteArray("\0", 1);
+    QTest::newRow("NUL") << bytes("k\0") << bytes("\0") << bytes("k\0") << bytes("\0");
 }
 
 void tst_IniParser::setValueNormalises()
@@ -569,8 +576,8 @@ void tst_IniParser::badInput_data()
     QTest::addColumn<QByteArray>("output");
 
     QTest::newRow("NUL bytes only") << QByteArray(1000, '\0') << QByteArray();
-    QTest::newRow("NUL bytes in a document") << QByteArray("[A]\n\0\0\0\nk=1\0\n\0[B]\n", 20)
-                                             << QByteArray("[A]\r\nk=1\0\r\n", 11);
+    QTest::newRow("NUL bytes in a document") << bytes("[A]\n\0\0\0\nk=1\0\n\0[B]\n")
+                                             << bytes("[A]\r\nk=1\0\r\n");
     QTest::newRow("unterminated [ at the end") << QByteArray("[A]\nk=1\n[") << QByteArray("[A]\r\nk=1\r\n");
     QTest::newRow("unterminated [ alone") << QByteArray("[") << QByteArray();
     QTest::newRow("line of only =") << QByteArray("[A]\n=\n") << QByteArray("[A]\r\n");
