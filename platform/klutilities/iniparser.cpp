@@ -451,8 +451,11 @@ IniParser::~IniParser() = default;
 void IniParser::setIniText(const QByteArray& text)
 {
     d->clear();
-    // Kept implicitly shared: parsed keys and values are slices of it.
+    // Kept implicitly shared: parsed keys and values are slices of it. Raw
+    // data belongs to the caller and may go away, so that is copied.
     d->text = text;
+    if (!d->text.isEmpty() && !d->text.data_ptr().d_ptr())
+        d->text = QByteArray(text.constData(), text.size());
     d->parse();
 }
 

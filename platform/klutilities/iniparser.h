@@ -72,6 +72,33 @@ private:
     position and takes the last value. LF and CR LF line ends and a leading
     UTF-8 byte-order mark are accepted; output uses CR LF with one empty line
     between sections.
+
+    The finer rules, chosen so that parse, write, parse, write gives the same
+    bytes both times for any input:
+    - Blanks are space, tab, CR, vertical tab and form feed; a lone CR is no
+      line end. Any other byte (NUL, invalid UTF-8) is kept as it is.
+    - A line whose first non-blank character is "[" is a section line. It
+      must end (before trailing blanks) with "]"; the name is what lies
+      between the first "[" and the last "]", trimmed, and may itself contain
+      brackets. A section line that does not end with "]" is broken: it and
+      the key lines after it, up to the next section line, are dropped.
+    - A key line needs an "=" and a non-empty key before it; keys therefore
+      never hold "=", never start with ";" or "[" and are never empty. Lines
+      without "=", with an empty key, or before the first section are dropped.
+    - setValue() stores key and value the way a parse of the written text
+      gives them back: line breaks become blanks and surrounding blanks go; a
+      key that could not be written back (empty, holding "=", starting with
+      ";" or "[") is not stored. findOrCreateSection() treats names alike.
+    - Look-ups trim the key or name they are given.
+
+    Memory: the loaded text is kept (implicitly shared) and parsed keys and
+    values are slices of it; every key costs one small entry plus, in
+    sections of more than eight keys, two slots of an open-addressing hash
+    index. Values set later own their bytes; setting a key again replaces them.
+    Look-ups are O(1); writing is linear in the output.
+
+    Not thread-safe, not even for const calls (keyAt() and valueAt() compact
+    removed keys away).
 */
 class KLUTILITIES_EXPORT IniParser
 {
@@ -81,7 +108,10 @@ public:
     IniParser(const IniParser&) = delete;
     IniParser& operator=(const IniParser&) = delete;
 
-    /*! \brief Replaces the document by the parsed \a text. */
+    /*! \brief Replaces the document by the parsed \a text.
+
+        The text is kept as an implicitly shared copy, so the caller may change
+        or drop its own; text made with QByteArray::fromRawData() is copied. */
     void setIniText(const QByteArray& text);
 
     /*! \brief The document as text, starting with the UTF-8 byte-order mark. */

@@ -64,6 +64,7 @@ private Q_SLOTS:
     void largeSection();
     void valueViewPointsIntoText();
     void valueViewOfSetValue();
+    void rawDataIsCopied();
     void setSameKeyRepeatedlyKeepsMemory();
     void indexAccessOutOfRange();
     void clearAndReload();
@@ -508,6 +509,18 @@ void tst_IniParser::valueViewPointsIntoText()
     parser.section("A")->setValue("other", "x");
     parser.findOrCreateSection("B")->setValue("y", "z");
     QCOMPARE(kept, QByteArrayView("value"));
+}
+
+void tst_IniParser::rawDataIsCopied()
+{
+    QByteArray buffer("[A]\r\nk=value\r\n");
+    IniParser parser;
+    parser.setIniText(QByteArray::fromRawData(buffer.constData(), buffer.size()));
+    const QByteArrayView view = parser.section("A")->valueView("k");
+    QVERIFY(view.data() < buffer.constData() || view.data() >= buffer.constData() + buffer.size());
+    buffer.fill('x');
+    buffer.clear();
+    QCOMPARE(parser.section("A")->valueView("k"), QByteArrayView("value"));
 }
 
 void tst_IniParser::valueViewOfSetValue()
