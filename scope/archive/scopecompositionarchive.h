@@ -6,6 +6,8 @@
 #include <QtCore/QList>
 
 class ScopeShotArchive;
+// The meta-object of create(QList<ScopeShotArchive*>) needs the complete type.
+Q_MOC_INCLUDE("scopeshotarchive.h")
 
 /*! \brief A named set of shot archives shown together; stores only their IDs. */
 class OVSCOPE_EXPORT ScopeCompositionArchive : public ScopeElementArchive

@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "scopeelementcommentdialog.h"
+
+class TextEditWidget;
+
+class ScopeElementCommentDialogPrivate : public QObject
+{
+    Q_OBJECT
+    Q_DECLARE_PUBLIC(ScopeElementCommentDialog)
+
+public:
+    explicit ScopeElementCommentDialogPrivate(ScopeElementCommentDialog* q);
+
+    TextEditWidget* editor = nullptr;
+
+private:
+    ScopeElementCommentDialog* const q_ptr;
+};
