@@ -364,8 +364,13 @@ void IniParserPrivate::parse()
 
         if (*begin == '[') {
             current = nullptr;
-            if (last - begin >= 2 && last[-1] == ']') {
-                const QByteArrayView name = trimmed(begin + 1, last - 1);
+            // Whatever follows the last "]" ("[Name] ; note") is not part of the name.
+            const char* close = last;
+            while (close > begin + 1 && close[-1] != ']')
+                --close;
+            if (close > begin + 1) {
+                --close;
+                const QByteArrayView name = trimmed(begin + 1, close);
                 const quint32 hash = hashOf(name);
                 const qsizetype position = indexOf(name, hash);
                 IniSection* section = position >= 0 ? sections[size_t(position)].get() : create(name, hash);

@@ -77,11 +77,11 @@ private:
     bytes both times for any input:
     - Blanks are space, tab, CR, vertical tab and form feed; a lone CR is no
       line end. Any other byte (NUL, invalid UTF-8) is kept as it is.
-    - A line whose first non-blank character is "[" is a section line. It
-      must end (before trailing blanks) with "]"; the name is what lies
-      between the first "[" and the last "]", trimmed, and may itself contain
-      brackets. A section line that does not end with "]" is broken: it and
-      the key lines after it, up to the next section line, are dropped.
+    - A line whose first non-blank character is "[" is a section line. The
+      name is what lies between that "[" and the last "]" of the line,
+      trimmed; it may itself contain brackets, and text after the last "]"
+      ("[Name] ; note") is ignored. A section line without "]" is broken: it
+      and the key lines after it, up to the next section line, are dropped.
     - A key line needs an "=" and a non-empty key before it; keys therefore
       never hold "=", never start with ";" or "[" and are never empty. Lines
       without "=", with an empty key, or before the first section are dropped.

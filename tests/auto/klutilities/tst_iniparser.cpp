@@ -98,14 +98,14 @@ void tst_IniParser::parseAndWrite_data()
     QTest::newRow("name with ]") << QByteArray("[a]b]\nk=1\n") << QByteArray("[a]b]\r\nk=1\r\n");
     QTest::newRow("name with [") << QByteArray("[[a]]\nk=1\n") << QByteArray("[[a]]\r\nk=1\r\n");
     QTest::newRow("empty name") << QByteArray("[]\nk=1\n") << QByteArray("[]\r\nk=1\r\n");
-    QTest::newRow("text after ] breaks the line") << QByteArray("[A]\nk=1\n[B] x\nl=2\n")
-                                                  << QByteArray("[A]\r\nk=1\r\n");
+    QTest::newRow("text after the last ]") << QByteArray("[A]\nk=1\n[B] ; note\nl=2\n[C]]x\nm=3\n")
+                                           << QByteArray("[A]\r\nk=1\r\n\r\n[B]\r\nl=2\r\n\r\n[C]]\r\nm=3\r\n");
     QTest::newRow("unterminated [") << QByteArray("[A]\nk=1\n[B\nl=2\n[C]\nm=3\n")
                                     << QByteArray("[A]\r\nk=1\r\n\r\n[C]\r\nm=3\r\n");
     QTest::newRow("key starting with [") << QByteArray("[A]\n[k=1\nl=2\n") << QByteArray("[A]\r\n");
     QTest::newRow("inner CR kept") << QByteArray("[A]\nk=a\rb\n") << QByteArray("[A]\r\nk=a\rb\r\n");
     QTest::newRow("trailing CRs trimmed") << QByteArray("[A]\nk=v\r\r\r\n") << QByteArray("[A]\r\nk=v\r\n");
-    QTest::newRow("lone CR is no line end") << QByteArray("[A]\rk=v\n") << QByteArray();
+    QTest::newRow("lone CR is no line end") << QByteArray("[A]\rk=v\n") << QByteArray("[A]\r\n");
     QTest::newRow("NUL bytes") << bytes("[A\0B]\nk\0=v\0w\n") << bytes("[A\0B]\r\nk\0=v\0w\r\n");
 }
 
@@ -127,6 +127,7 @@ void tst_IniParser::roundTrip_data()
     QTest::newRow("name with ]") << QByteArray("[a]b]\nk=v\n");
     QTest::newRow("name only ]") << QByteArray("[]]\nk=v\n");
     QTest::newRow("name [") << QByteArray("[[]\nk=v\n");
+    QTest::newRow("text after ]") << QByteArray("[a]b] c\nk=v\n[]x]y\n[ ] ]\n");
     QTest::newRow("unterminated [") << QByteArray("[\nk=v\n[A\n");
     QTest::newRow("only =") << QByteArray("[A]\n=\n==\n=x=\n");
     QTest::newRow("key ;") << QByteArray("[A]\n;k=v\nk;=v\n");
