@@ -36,6 +36,11 @@ class AppSettingsPrivate;
     #101418, a dark oscilloscope screen) and "Scope/GridColor" (default #5a5f66,
     a mid grey).
 
+    QSettings writes the settings file by replacing it, so a
+    QFileSystemWatcher on the file stops watching after the first change: a
+    watcher has to add the path again in its slot (this object watches the
+    folder as well). The change signals below are the simpler way to follow.
+
     Default trace colours: a palette of 20 clearly distinct, light colours that
     stand out on the dark plot background; trace number n takes entry n modulo
     the palette size (key "Colors/Trace<index>" overrides an entry).
