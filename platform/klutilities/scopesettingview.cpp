@@ -24,13 +24,15 @@ void ScopeSettingViewPrivate::addChooser(QFormLayout* layout, const QString& lab
     auto* button = new ColorChooserButton(q);
     button->setObjectName(objectName);
     button->setDialogTitle(label);
+    // All choosers alike wide, whatever the labels beside them.
+    button->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     button->setColor(storedColor(target));
     auto* text = new QLabel(label, q);
     text->setBuddy(button);
     layout->addRow(text, button);
     connect(button, &ColorChooserButton::colorChosen, this,
             [this, target](const QColor& color) { applyColor(target, color); });
-    choosers.append(Chooser{button, target});
+    choosers.append(Chooser{button, text, target});
 }
 
 QColor ScopeSettingViewPrivate::storedColor(int target)
@@ -67,6 +69,16 @@ void ScopeSettingViewPrivate::applyColor(int target, const QColor& color)
         settings->setColor(target, color);
         break;
     }
+}
+
+void ScopeSettingViewPrivate::alignLabels()
+{
+    // One label width for both groups, so that the choosers line up.
+    int width = 0;
+    for (const Chooser& chooser : std::as_const(choosers))
+        width = qMax(width, chooser.label->sizeHint().width());
+    for (const Chooser& chooser : std::as_const(choosers))
+        chooser.label->setMinimumWidth(width);
 }
 
 void ScopeSettingViewPrivate::onRestoreDefaultsClicked()
@@ -112,6 +124,8 @@ ScopeSettingView::ScopeSettingView(QWidget* parent)
                   AppSettings::ChartGridColor);
     d->addChooser(frequencyLayout, tr("Beschriftung:"), QStringLiteral("chartLabelColorButton"),
                   AppSettings::ChartLabelColor);
+
+    d->alignLabels();
 
     d->restoreButton = new QPushButton(tr("Standardfarben wiederherstellen"), this);
     d->restoreButton->setObjectName(QStringLiteral("restoreDefaultsButton"));

@@ -9,6 +9,7 @@
 
 class ColorChooserButton;
 class QFormLayout;
+class QLabel;
 class QPushButton;
 
 class ScopeSettingViewPrivate : public QObject
@@ -23,6 +24,7 @@ public:
     struct Chooser
     {
         ColorChooserButton* button;
+        QLabel* label;
         int target; // a colour number, or a Target
     };
 
@@ -31,6 +33,7 @@ public:
     void addChooser(QFormLayout* layout, const QString& label, const QString& objectName, int target);
     static QColor storedColor(int target);
     void updateButtons();
+    void alignLabels();
 
     ScopeSettingView* q_ptr;
     QList<Chooser> choosers;
