@@ -103,6 +103,8 @@ void AppSettingsPrivate::watch()
 {
     // The directory is watched as well: the settings file is written by
     // replacing it, and it may not exist yet.
+    if (!watcher)
+        return;
     const QString directory = QFileInfo(fileName).absolutePath();
     if (!watcher->directories().contains(directory) && QFileInfo::exists(directory))
         watcher->addPath(directory);
@@ -164,9 +166,13 @@ AppSettings::AppSettings(QObject* parent)
     connect(d, &AppSettingsPrivate::changed, this, &AppSettings::changed);
 
     d->fileName = QSettings().fileName();
-    d->watcher = new QFileSystemWatcher(d);
-    connect(d->watcher, &QFileSystemWatcher::fileChanged, d, &AppSettingsPrivate::onSettingsFileChanged);
-    connect(d->watcher, &QFileSystemWatcher::directoryChanged, d, &AppSettingsPrivate::onSettingsFileChanged);
+    // Watching needs an event loop; without an application object the
+    // settings are read on construction and on reload() only.
+    if (QCoreApplication::instance()) {
+        d->watcher = new QFileSystemWatcher(d);
+        connect(d->watcher, &QFileSystemWatcher::fileChanged, d, &AppSettingsPrivate::onSettingsFileChanged);
+        connect(d->watcher, &QFileSystemWatcher::directoryChanged, d, &AppSettingsPrivate::onSettingsFileChanged);
+    }
     d->current = d->read();
     d->watch();
 }
