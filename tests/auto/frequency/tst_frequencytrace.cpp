@@ -41,6 +41,7 @@ private Q_SLOTS:
     void oneSampleInterval();
     void intervalIsASubList_data();
     void intervalIsASubList();
+    void extremeIntervalsDoNotCrash();
     void resolutionUsesRequestedCount();
     void resolutionOfOneMicrosecondSampling();
     void maxAndMinAmplitude();
@@ -194,6 +195,30 @@ void tst_FrequencyTrace::intervalIsASubList()
     QVERIFY(qIsNaN(trace.maxAmplitude(0)) == (expectedAmplitudes == 0));
     trace.setFrequencyAndAmplitude(3);
     QCOMPARE(trace.amplitudeText().isEmpty(), false);
+}
+
+void tst_FrequencyTrace::extremeIntervalsDoNotCrash()
+{
+    auto info = information(ramp(20));
+    FrequencyTrace trace(info);
+    const int lowest = std::numeric_limits<int>::min();
+    const int highest = std::numeric_limits<int>::max();
+    // The count is int32 arithmetic: these wrap to 0 and to INT_MIN.
+    trace.setInterval(lowest, highest, Frequency::Hamming);
+    QCOMPARE(trace.sampleCount(), 0);
+    QVERIFY(trace.amplitudes().isEmpty());
+    trace.setInterval(0, highest, Frequency::Hamming);
+    QCOMPARE(trace.sampleCount(), lowest);
+    QVERIFY(trace.amplitudes().isEmpty());
+    trace.recalculate(false, Frequency::NoWindow);
+    QVERIFY(trace.amplitudes().isEmpty());
+    trace.setInterval(highest, highest, Frequency::NoWindow);
+    QVERIFY(trace.amplitudes().isEmpty());
+    trace.setInterval(lowest, lowest + 25, Frequency::NoWindow);
+    QVERIFY(trace.amplitudes().isEmpty());
+    trace.setFrequencyAndAmplitude(highest);
+    QCOMPARE(trace.amplitudeText(), QStringLiteral("---"));
+    QVERIFY(qIsNaN(trace.maxAmplitude(lowest)));
 }
 
 void tst_FrequencyTrace::resolutionUsesRequestedCount()
