@@ -64,7 +64,7 @@ void BM_SixteenChannelsCold(benchmark::State& state)
 
 // Lengths: a power of two, 10^6, primes near 10^6 and 2^20, a length with a
 // prime factor just above the fast ones, and 2 × a large prime.
-#define LENGTHS ->Arg(1 << 20)->Arg(1000000)->Arg(1000003)->Arg(1048573)->Arg(37 * 32768)->Arg(1000018)->Arg(999999)->Arg(31 * 32768)
+#define LENGTHS ->Arg(1 << 20)->Arg(1000000)->Arg(1000003)->Arg(1048573)->Arg(37 * 32768)->Arg(1000018)->Arg(999999)->Arg(31 * 32768)->Arg(923521)->Arg(1048575)
 
 BENCHMARK(BM_OneChannelCold) LENGTHS ->Unit(benchmark::kMillisecond)->Iterations(3)->Repetitions(5)->ReportAggregatesOnly(true)->UseRealTime();
 BENCHMARK(BM_OneChannelWarm) LENGTHS ->Unit(benchmark::kMillisecond)->Iterations(3)->Repetitions(5)->ReportAggregatesOnly(true)->UseRealTime();

@@ -79,6 +79,8 @@ class tst_FrequencyFftwTransform : public QObject
 private Q_SLOTS:
     void matchesExactTransform_data();
     void matchesExactTransform();
+    void longLengthsMatchExactTransformAtSampledPoints_data();
+    void longLengthsMatchExactTransformAtSampledPoints();
     void chirpMatchesDirectForLongLengths_data();
     void chirpMatchesDirectForLongLengths();
     void choosesChirpForLargePrimeFactors_data();
@@ -119,6 +121,60 @@ void tst_FrequencyFftwTransform::matchesExactTransform()
     transform.forwardReal(x.data(), count, result.data());
     const auto exact = exactTransform(x, bins);
     const double error = relativeError(result, exact);
+    QVERIFY2(error <= 1e-13, qPrintable(QStringLiteral("relative L2 error %1").arg(error)));
+}
+
+void tst_FrequencyFftwTransform::longLengthsMatchExactTransformAtSampledPoints_data()
+{
+    QTest::addColumn<qsizetype>("count");
+    QTest::addColumn<bool>("chirp");
+    QTest::newRow("prime 65537") << qsizetype(65537) << true;
+    QTest::newRow("2^20") << qsizetype(1 << 20) << false;
+    QTest::newRow("999999") << qsizetype(999999) << true;
+    QTest::newRow("prime 1000003") << qsizetype(1000003) << true;
+}
+
+// An exact transform of every point is out of reach for long lengths; 64
+// points spread over the spectrum (0, M/2 and random ones) stand in for it.
+void tst_FrequencyFftwTransform::longLengthsMatchExactTransformAtSampledPoints()
+{
+    QFETCH(qsizetype, count);
+    QFETCH(bool, chirp);
+    FrequencyFftwTransform transform;
+    QCOMPARE(transform.usesChirpConvolution(count), chirp);
+    const std::vector<double> x = testSignal(QStringLiteral("random"), count);
+    const qsizetype bins = count / 2 + 1;
+    std::vector<std::complex<double>> result(static_cast<size_t>(bins));
+    transform.forwardReal(x.data(), count, result.data());
+
+    std::vector<long double> c(static_cast<size_t>(count)), s(static_cast<size_t>(count));
+    const long double pi = 3.141592653589793238462643383279502884L;
+    for (qsizetype j = 0; j < count; ++j) {
+        const long double a = -2.0L * pi * (long double)j / (long double)count;
+        c[static_cast<size_t>(j)] = cosl(a);
+        s[static_cast<size_t>(j)] = sinl(a);
+    }
+    std::mt19937_64 generator(static_cast<quint64>(count));
+    std::uniform_int_distribution<qsizetype> pick(1, bins - 2);
+    std::vector<qsizetype> points = {0, bins - 1};
+    while (points.size() < 64)
+        points.push_back(pick(generator));
+    std::vector<std::complex<double>> fast;
+    std::vector<std::complex<long double>> exact;
+    for (qsizetype k : points) {
+        long double re = 0.0L, im = 0.0L;
+        qsizetype index = 0;
+        for (qsizetype n = 0; n < count; ++n) {
+            re += (long double)x[static_cast<size_t>(n)] * c[static_cast<size_t>(index)];
+            im += (long double)x[static_cast<size_t>(n)] * s[static_cast<size_t>(index)];
+            index += k;
+            if (index >= count)
+                index -= count;
+        }
+        exact.push_back({re, im});
+        fast.push_back(result[static_cast<size_t>(k)]);
+    }
+    const double error = relativeError(fast, exact);
     QVERIFY2(error <= 1e-13, qPrintable(QStringLiteral("relative L2 error %1").arg(error)));
 }
 
