@@ -12,8 +12,7 @@
 
 namespace {
 
-// Plans and chirp tables kept for earlier lengths, in bytes and in count;
-// the newest plan is kept whatever its size.
+// Plans and chirp tables kept for earlier lengths, in bytes and in count.
 constexpr qsizetype CacheBudget = qsizetype(256) << 20;
 constexpr size_t CacheEntries = 16;
 constexpr double Pi = 3.14159265358979323846;
@@ -238,7 +237,11 @@ void FrequencyFftwTransform::forwardReal(const double* input, qsizetype count,
         std::fill(output, output + count / 2 + 1, std::complex<double>(nan, nan));
         return;
     }
-    plan(count)->execute(input, output);
+    Plan* prepared = plan(count);
+    prepared->execute(input, output);
+    // A length whose plan alone exceeds the budget is not kept around.
+    if (prepared->bytes() > CacheBudget)
+        m_plans.pop_front();
 }
 
 void FrequencyFftwTransform::clearCache()
