@@ -74,18 +74,19 @@ std::vector<UsedChannel> usedChannels(ScopeShotArchive* archive, quint64 channel
 }
 
 // Stores the fields of one data row that belong to used channels. Field 0
-// is not a sample; field c + 1 is channel c. Missing fields stay 0.
-void parseRow(QByteArrayView row, qsizetype frame, const std::vector<UsedChannel>& channels,
-              std::vector<double*>& columns)
+// is not a sample; field c + 1 is channel c. Missing fields stay 0. Returns
+// how many of the used channels the row reached.
+size_t parseRow(QByteArrayView row, qsizetype frame, const std::vector<UsedChannel>& channels,
+                std::vector<double*>& columns)
 {
     const char* pos = row.data();
     const char* const end = pos + row.size();
     if (!pos)
-        return;
+        return 0;
     // Skip field 0.
     const char* sep = static_cast<const char*>(std::memchr(pos, ';', size_t(end - pos)));
     if (!sep)
-        return;
+        return 0;
     pos = sep + 1;
     quint64 field = 0; // channel number of the field at pos
     for (size_t slot = 0; slot < channels.size(); ++slot) {
@@ -93,7 +94,7 @@ void parseRow(QByteArrayView row, qsizetype frame, const std::vector<UsedChannel
         while (field < wanted) {
             sep = static_cast<const char*>(std::memchr(pos, ';', size_t(end - pos)));
             if (!sep)
-                return;
+                return slot;
             pos = sep + 1;
             ++field;
         }
@@ -101,10 +102,11 @@ void parseRow(QByteArrayView row, qsizetype frame, const std::vector<UsedChannel
         const char* fieldEnd = sep ? sep : end;
         columns[slot][frame] = ScopeNumbers::toDouble(pos, fieldEnd);
         if (!sep)
-            return;
+            return slot + 1;
         pos = sep + 1;
         ++field;
     }
+    return channels.size();
 }
 
 } // namespace
@@ -139,11 +141,13 @@ bool ScopeShotPrivate::readTraces(bool reuse)
     // of the rows, since every real sample takes at least two bytes of text.
     quint64 frames = 0;
     quint64 rowBytes = 0;
+    bool hasRows = false;
     const qsizetype keyCount = dataSection->count();
     for (qsizetype i = 0; i < keyCount; ++i) {
         quint64 frame = 0;
         if (!indexAfterPrefix(dataSection->keyAt(i), DataRowPrefix, &frame) || frame >= frameCount)
             continue;
+        hasRows = true;
         frames = std::max(frames, frame + 1);
         rowBytes += quint64(dataSection->valueAt(i).size());
     }
@@ -157,17 +161,21 @@ bool ScopeShotPrivate::readTraces(bool reuse)
         samples[slot] = QVector<double>(qsizetype(frames), 0.0);
         columns[slot] = samples[slot].data();
     }
+    // Channels that no row reaches hold no data: when there are rows, only
+    // the channels they reach get a trace, so that thousands of channel
+    // sections over empty rows do not make thousands of traces.
+    size_t reached = hasRows ? 0 : channels.size();
     if (!channels.empty() && frames > 0) {
         for (qsizetype i = 0; i < keyCount; ++i) {
             quint64 frame = 0;
             if (!indexAfterPrefix(dataSection->keyAt(i), DataRowPrefix, &frame) || frame >= frames)
                 continue;
-            parseRow(dataSection->valueAt(i), qsizetype(frame), channels, columns);
+            reached = std::max(reached, parseRow(dataSection->valueAt(i), qsizetype(frame), channels, columns));
         }
     }
 
     const int trigger = int(std::min<quint64>(triggerIndex, quint64(std::numeric_limits<int>::max())));
-    for (size_t slot = 0; slot < channels.size(); ++slot) {
+    for (size_t slot = 0; slot < reached; ++slot) {
         const int number = int(channels[slot].number);
         QSharedPointer<ScopeTrace> trace = reuse ? traceMap.value(number) : QSharedPointer<ScopeTrace>();
         const bool isNew = trace.isNull();

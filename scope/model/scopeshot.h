@@ -18,7 +18,9 @@ class ScopeTrace;
     bounded by the data rows actually present, and no more samples are made
     than the rows have bytes, so a damaged archive yields a partial or empty
     recording instead of a huge allocation. Rows with fewer fields leave the
-    missing samples at 0.
+    missing samples at 0; a channel that no data row reaches gets no trace
+    (unless there are no rows at all: then every channel in use gets an
+    empty trace).
 
     Every change of a trace reaches changed(), and from there the archive's
     scopeElementChanged(). Owners ask all traces for quick-measure values by
