@@ -20,6 +20,8 @@ private Q_SLOTS:
     void timestampMatchesQDataStream();
     void timestampGarbage_data();
     void timestampGarbage();
+    void timestampExtremeDays_data();
+    void timestampExtremeDays();
     void timestampKinds_data();
     void timestampKinds();
     void commentRoundTrip_data();
@@ -153,6 +155,26 @@ void tst_ScopeArchiveCodec::timestampGarbage()
 {
     QFETCH(QByteArray, hex);
     QVERIFY(!ScopeArchiveCodec::decodeTimestamp(hex).isValid());
+}
+
+void tst_ScopeArchiveCodec::timestampExtremeDays_data()
+{
+    QTest::addColumn<QByteArray>("hex");
+    QTest::addColumn<qint64>("julianDay");
+    QTest::newRow("first day") << QByteArray("0000000105265bff02") << qint64(1);
+    QTest::newRow("largest signed") << QByteArray("7fffffff0000000002") << qint64(0x7fffffff);
+    QTest::newRow("largest") << QByteArray("ffffffff0000000002") << qint64(0xffffffffu);
+    QTest::newRow("largest local") << QByteArray("ffffffff00000000ff") << qint64(0xffffffffu);
+}
+
+void tst_ScopeArchiveCodec::timestampExtremeDays()
+{
+    // Every day a version 12 stream can hold reads as a valid date-time.
+    QFETCH(QByteArray, hex);
+    QFETCH(qint64, julianDay);
+    const QDateTime decoded = ScopeArchiveCodec::decodeTimestamp(hex);
+    QVERIFY(decoded.isValid());
+    QCOMPARE(decoded.toUTC().date().toJulianDay(), julianDay);
 }
 
 void tst_ScopeArchiveCodec::timestampKinds_data()
