@@ -84,25 +84,28 @@ struct FrequencyFftwTransform::ChirpPlan : FrequencyFftwTransform::Plan
         , bins(c / 2 + 1)
         , length(FrequencyFftwTransform::convolutionLength(c))
         , work(fftw_alloc_complex(static_cast<size_t>(length)))
-        , chirp(static_cast<size_t>(c))
-        , filter(static_cast<size_t>(length))
+        , chirpStorage(fftw_alloc_complex(static_cast<size_t>(c)))
+        , filterStorage(fftw_alloc_complex(static_cast<size_t>(length)))
+        , chirp(reinterpret_cast<std::complex<double>*>(chirpStorage.get()))
+        , filter(reinterpret_cast<std::complex<double>*>(filterStorage.get()))
     {
         plan = fftw_plan_dft_1d(static_cast<int>(length), work.get(), work.get(), FFTW_FORWARD,
                                 FFTW_ESTIMATE);
         computeChirp();
-        // Filter: conj(c[|m|]) at m = −(M − 1) … bins − 1, wrapped around L.
+        // Filter: conj(c[|m|]) at m = −(M − 1) … bins − 1, wrapped around L,
+        // zeros between.
         auto* w = reinterpret_cast<std::complex<double>*>(work.get());
-        std::fill(w, w + length, std::complex<double>());
         for (qsizetype m = 0; m < bins; ++m)
-            w[m] = std::conj(chirp[static_cast<size_t>(m)]);
+            w[m] = std::conj(chirp[m]);
+        std::fill(w + bins, w + length - count + 1, std::complex<double>());
         for (qsizetype m = 1; m < count; ++m)
-            w[length - m] = std::conj(chirp[static_cast<size_t>(m)]);
+            w[length - m] = std::conj(chirp[m]);
         fftw_execute(plan);
         // The inverse transform is the forward one on conjugates; its 1/L
         // goes into the filter once.
         const double scale = 1.0 / static_cast<double>(length);
         for (qsizetype j = 0; j < length; ++j)
-            filter[static_cast<size_t>(j)] = w[j] * scale;
+            filter[j] = w[j] * scale;
     }
 
     void computeChirp()
@@ -132,14 +135,14 @@ struct FrequencyFftwTransform::ChirpPlan : FrequencyFftwTransform::Plan
     {
         auto* w = reinterpret_cast<std::complex<double>*>(work.get());
         for (qsizetype n = 0; n < count; ++n)
-            w[n] = input[n] * chirp[static_cast<size_t>(n)];
+            w[n] = input[n] * chirp[n];
         std::fill(w + count, w + length, std::complex<double>());
         fftw_execute(plan);
         for (qsizetype j = 0; j < length; ++j)
-            w[j] = std::conj(w[j] * filter[static_cast<size_t>(j)]);
+            w[j] = std::conj(w[j] * filter[j]);
         fftw_execute(plan);
         for (qsizetype k = 0; k < bins; ++k)
-            output[k] = chirp[static_cast<size_t>(k)] * std::conj(w[k]);
+            output[k] = chirp[k] * std::conj(w[k]);
     }
 
     qsizetype bytes() const override
@@ -150,8 +153,10 @@ struct FrequencyFftwTransform::ChirpPlan : FrequencyFftwTransform::Plan
     const qsizetype bins;
     const qsizetype length;
     std::unique_ptr<fftw_complex, FftwFree> work;
-    std::vector<std::complex<double>> chirp;
-    std::vector<std::complex<double>> filter;
+    std::unique_ptr<fftw_complex, FftwFree> chirpStorage;
+    std::unique_ptr<fftw_complex, FftwFree> filterStorage;
+    std::complex<double>* const chirp;  // c[n], n = 0 … M − 1
+    std::complex<double>* const filter; // transform of the filter, ÷ L
 };
 
 // Short lengths go to FFTW whatever their factors: it is fast enough there
