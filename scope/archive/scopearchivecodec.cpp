@@ -6,6 +6,7 @@
 
 #include <zlib.h>
 
+#include <algorithm>
 #include <limits>
 
 namespace {
@@ -129,30 +130,44 @@ QByteArray uncompress(QByteArrayView block, qsizetype maximumSize)
         return {};
     const auto* p = reinterpret_cast<const uchar*>(block.data());
     const quint32 announced = readBigEndian32(p);
-    if (qint64(announced) > qint64(maximumSize))
+    if (announced == 0 || qint64(announced) > qint64(maximumSize))
         return {};
-    if (announced == 0)
-        return {};
-    if (block.size() - 4 > qsizetype(std::numeric_limits<uInt>::max()))
+    const qsizetype inputSize = block.size() - 4;
+    if (inputSize > qsizetype(std::numeric_limits<uInt>::max()))
         return {};
 
-    QByteArray result(qsizetype(announced), Qt::Uninitialized);
+    // Deflate packs at most about 1032 bytes into one, so a header that
+    // announces far more than the block can hold does not get its buffer up
+    // front; the buffer grows with the output, never beyond the header.
+    const qsizetype announcedSize = qsizetype(announced);
+    qsizetype capacity = std::min(announcedSize, inputSize * 1032 + 1024);
+    QByteArray result(capacity, Qt::Uninitialized);
+
     z_stream stream{};
     if (inflateInit(&stream) != Z_OK)
         return {};
     stream.next_in = const_cast<Bytef*>(p + 4);
-    stream.avail_in = uInt(block.size() - 4);
-    stream.next_out = reinterpret_cast<Bytef*>(result.data());
-    stream.avail_out = uInt(announced);
-    int status = inflate(&stream, Z_FINISH);
-    // Z_STREAM_END: complete block within the announced size. Anything else
-    // (the output space ran out before the end, truncated or corrupt data)
-    // rejects the block; the output buffer never grows beyond the header.
-    const uLong produced = stream.total_out;
+    stream.avail_in = uInt(inputSize);
+    int status = Z_OK;
+    for (;;) {
+        stream.next_out = reinterpret_cast<Bytef*>(result.data()) + stream.total_out;
+        stream.avail_out = uInt(capacity - qsizetype(stream.total_out));
+        status = inflate(&stream, Z_FINISH);
+        if (status == Z_STREAM_END)
+            break;
+        // Out of room: grow up to the announced size; beyond it the block
+        // is lying about its length (or is a bomb) and is rejected.
+        const bool outOfRoom = (status == Z_BUF_ERROR || status == Z_OK) && stream.avail_out == 0;
+        if (!outOfRoom || capacity >= announcedSize)
+            break;
+        capacity = std::min(announcedSize, capacity * 2);
+        result.resize(capacity);
+    }
+    const qsizetype produced = qsizetype(stream.total_out);
     inflateEnd(&stream);
     if (status != Z_STREAM_END)
         return {};
-    result.truncate(qsizetype(produced));
+    result.truncate(produced);
     return result;
 }
 

@@ -32,6 +32,7 @@ private Q_SLOTS:
     void forgedLengthHeader();
     void deflateBomb();
     void commentAtLimit();
+    void shorterThanAnnounced();
     void indexedName_data();
     void indexedName();
 };
@@ -293,6 +294,17 @@ void tst_ScopeArchiveCodec::commentAtLimit()
     QCOMPARE(ScopeArchiveCodec::decodeComment(qCompress(text).toHex()).size(), text.size());
     const QByteArray tooLong(ScopeArchiveCodec::MaximumCommentSize + 1, 'a');
     QVERIFY(ScopeArchiveCodec::decodeComment(qCompress(tooLong).toHex()).isEmpty());
+}
+
+void tst_ScopeArchiveCodec::shorterThanAnnounced()
+{
+    // As with qUncompress, a block may announce more than it holds.
+    const QByteArray text = "Kurzer Kommentar";
+    QCOMPARE(ScopeArchiveCodec::uncompress(withHeader(10 * 1024 * 1024, rawDeflate(text)), 16 * 1024 * 1024), text);
+    const QByteArray zeros(4 * 1024 * 1024, '\0');
+    QCOMPARE(ScopeArchiveCodec::uncompress(withHeader(16 * 1024 * 1024, rawDeflate(zeros)), 16 * 1024 * 1024), zeros);
+    QCOMPARE(ScopeArchiveCodec::uncompress(qCompress(zeros, 9), zeros.size()), zeros);
+    QVERIFY(ScopeArchiveCodec::uncompress(qCompress(zeros, 9), zeros.size() - 1).isEmpty());
 }
 
 void tst_ScopeArchiveCodec::indexedName_data()
