@@ -5,6 +5,7 @@
 
 #include <QtCore/QLocale>
 #include <QtCore/QStandardPaths>
+#include <QtCore/QTranslator>
 #include <QtTest/QtTest>
 #include <QtWidgets/QHeaderView>
 #include <QtWidgets/QLayout>
@@ -16,6 +17,25 @@ QString local(QString text)
 {
     return text.replace(QLatin1Char('.'), QLocale::system().decimalPoint());
 }
+
+// Translates the table's texts in the widget's own context only.
+class TableTranslator : public QTranslator
+{
+public:
+    QString translate(const char* context, const char* sourceText, const char* = nullptr, int = -1) const override
+    {
+        if (qstrcmp(context, "ScopeTraceCalculatorWidget") != 0)
+            return QString();
+        if (qstrcmp(sourceText, "Mittelwert") == 0)
+            return QStringLiteral("Average");
+        if (qstrcmp(sourceText, "Wert in %1") == 0)
+            return QStringLiteral("Value at %1");
+        if (qstrcmp(sourceText, "Messgröße") == 0)
+            return QStringLiteral("Quantity");
+        return QString();
+    }
+    bool isEmpty() const override { return false; }
+};
 
 } // namespace
 
@@ -38,6 +58,7 @@ private Q_SLOTS:
     void switchingTraceDisconnectsThePrevious();
     void deletedTrace();
     void slotsInvocableByName();
+    void textsTranslatedInWidgetContext();
 
 private:
     ScopeTrace* makeTrace(const QString& name, const QVector<double>& samples);
@@ -234,6 +255,19 @@ void tst_ScopeTraceCalculatorWidget::slotsInvocableByName()
     QCOMPARE(widget.valueText(QStringLiteral("time_difference")), local(QStringLiteral("0.00 ms bis 3.00 ms (3.00 ms)")));
     QVERIFY(QMetaObject::invokeMethod(&widget, "onScopeTraceSelected", Q_ARG(ScopeTrace*, nullptr)));
     QVERIFY(QMetaObject::invokeMethod(&widget, "onCurrentScopeTraceChanged"));
+}
+
+void tst_ScopeTraceCalculatorWidget::textsTranslatedInWidgetContext()
+{
+    TableTranslator translator;
+    QVERIFY(QCoreApplication::installTranslator(&translator));
+    ScopeTraceCalculatorWidget widget;
+    QCoreApplication::removeTranslator(&translator);
+    QCOMPARE(widget.labelText(QStringLiteral("average")), QStringLiteral("Average"));
+    QCOMPARE(widget.labelText(QStringLiteral("value_at_a")), QStringLiteral("Value at A"));
+    QCOMPARE(widget.labelText(QStringLiteral("value_at_b")), QStringLiteral("Value at B"));
+    QCOMPARE(widget.labelText(QStringLiteral("integral")), QStringLiteral("Integral"));
+    QCOMPARE(widget.treeWidget()->headerItem()->text(0), QStringLiteral("Quantity"));
 }
 
 QTEST_MAIN(tst_ScopeTraceCalculatorWidget)
