@@ -22,6 +22,10 @@ public:
     static ScopeCompositionArchive* create(QObject* parent);
 
 public Q_SLOTS:
+    /*! \brief Starts a new composition on this computer and appends the IDs of
+        \a shots. Pass a QList: a braced single pointer, create({shot}),
+        would pick the static factory instead. */
     virtual bool create(const QList<ScopeShotArchive*>& shots) = 0;
+    /*! \brief The IDs of the shot archives shown together, in order. */
     virtual QList<QByteArray> usedShotIdentifiers() const = 0;
 };
