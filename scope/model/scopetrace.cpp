@@ -15,7 +15,7 @@
 
 #include <QtCore/QEasingCurve>
 #include <QtCore/QLocale>
-#include <QtCore/QPropertyAnimation>
+#include <QtCore/QVariantAnimation>
 #include <QtCore/QSignalBlocker>
 #include <QtGui/QPainter>
 #include <QtGui/QPolygonF>
@@ -32,7 +32,7 @@ constexpr qsizetype envelopeBlock = 16;
 
 // Below this many samples per pixel column the curve is drawn as a plain
 // polyline; above it per column from the envelope.
-constexpr double envelopeThreshold = 2.0;
+constexpr double envelopeThreshold = 8.0;
 
 // Bit rows in binary view: the high level lies one scaling factor above the
 // row's base line, rows are one and a half factors apart.
@@ -84,7 +84,7 @@ QString groupByFour(QString digits)
 // column of a point is the same for the envelope and for the rasteriser.
 inline double snap(double coordinate)
 {
-    return std::round(coordinate * 64.0) / 64.0;
+    return double(std::lrint(coordinate * 64.0)) / 64.0;
 }
 
 inline void combine(double value, double* lowest, double* highest)
@@ -385,13 +385,22 @@ void ScopeTracePrivate::setFlag(bool* flag, bool value, bool animated, double* f
         return;
     if (animated) {
         // The animation only serves as a clock with an easing curve: its
-        // values reach the factor through the slot.
-        auto* animation = new QPropertyAnimation(this, QByteArray());
+        // values reach the factor through the slot. Animations of one trace
+        // must not cancel each other (grounding while switching off, or
+        // releasing during the grounding), so each is a plain variant
+        // animation without a target; the one started last writes last in
+        // every frame.
+        auto* animation = new QVariantAnimation();
         animation->setStartValue(*factor);
         animation->setEndValue(endValue);
         animation->setDuration(250);
         animation->setEasingCurve(QEasingCurve::Type(easing));
         connect(animation, &QVariantAnimation::valueChanged, this, slot);
+        // An animation whose start and end agree never reports a value; its
+        // end value is written when it finishes, so that the animation
+        // started last also has the last word.
+        connect(animation, &QAbstractAnimation::finished, this,
+                [this, animation, slot] { (this->*slot)(animation->endValue()); });
         animations.append(animation);
         animation->start(QAbstractAnimation::KeepWhenStopped);
     } else {
@@ -1124,6 +1133,339 @@ void ScopeTrace::publishQuickMeasureDisabled()
 // ---------------------------------------------------------------------------
 // Drawing
 
-void ScopeTracePrivate::paint(const ScopeLayout*, QPainter*, qint64, qint64, Drawing)
+namespace {
+
+// Maps sample indices and values to device pixels of one plot area. Every
+// coordinate is snapped to the 1/64 pixel grid of the rasteriser, so that
+// the column of a point computed here is the column the rasteriser lights.
+struct PlotMapping
 {
+    double areaLeft = 0.0;
+    double areaBottom = 0.0;
+    double pixelsPerNanosecond = 0.0;
+    double nanosecondsPerSample = 0.0;
+    double leftTime = 0.0;
+    double triggerIndex = 0.0;
+    double divisionHeight = 0.0;
+    double valueScale = 0.0;
+    double offset = 0.0;
+
+    double x(qsizetype index) const
+    {
+        const double t = (double(index) - triggerIndex) * nanosecondsPerSample - leftTime;
+        return snap(clampCoordinate(areaLeft + t * pixelsPerNanosecond));
+    }
+    double yUnits(double units) const
+    {
+        return snap(clampCoordinate(areaBottom - units * divisionHeight));
+    }
+    double y(double value) const
+    {
+        return yUnits(value * valueScale + offset);
+    }
+    // The continuous sample index at device x.
+    double index(double deviceX) const
+    {
+        return triggerIndex + (leftTime + (deviceX - areaLeft) / pixelsPerNanosecond) / nanosecondsPerSample;
+    }
+    // Far beyond the device, coordinates only need to keep their direction;
+    // clamping keeps the rasteriser's fixed-point arithmetic in range.
+    static double clampCoordinate(double coordinate)
+    {
+        return std::clamp(coordinate, -1.0e7, 1.0e7);
+    }
+};
+
+} // namespace
+
+QColor ScopeTracePrivate::drawingColor() const
+{
+    QColor c = color;
+    c.setAlphaF(float(std::clamp(c.alphaF() * offAlphaFactor, 0.0, 1.0)));
+    return c;
+}
+
+void ScopeTracePrivate::paint(const ScopeLayout* layout, QPainter* painter, qint64 left, qint64 right,
+                              Drawing drawing)
+{
+    if (!layout || !painter)
+        return;
+    viewLeftTime = left;
+    viewRightTime = right;
+    if (samples.isEmpty())
+        return;
+    const int divisionHeight = layout->divisionSize().height();
+    if (divisionHeight > 0)
+        unitsPerPixel = 1.0 / divisionHeight;
+    const QRect area = layout->plotArea();
+    if (divisionHeight <= 0 || area.width() <= 0 || area.height() <= 0 || right <= left || timeBase == 0)
+        return;
+    const QColor c = drawingColor();
+    if (c.alpha() == 0)
+        return;
+
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing, false);
+    painter->setClipRect(area, Qt::IntersectClip);
+    painter->setPen(QPen(c, 0));
+    painter->setBrush(Qt::NoBrush);
+    if (binaryView) {
+        paintBitRows(painter, area, divisionHeight, left, right, drawing);
+        paintBitLabels(painter, layout, divisionHeight);
+    } else {
+        paintCurve(painter, area, divisionHeight, left, right, drawing);
+    }
+    paintOverlay(painter, area, divisionHeight);
+    painter->restore();
+}
+
+static PlotMapping plotMapping(const QRect& area, int divisionHeight, qint64 left, qint64 right,
+                               quint32 timeBase, qint32 triggerIndex)
+{
+    PlotMapping m;
+    m.areaLeft = area.left();
+    m.areaBottom = area.bottom();
+    m.pixelsPerNanosecond = double(area.width()) / (double(right) - double(left));
+    m.nanosecondsPerSample = double(timeBase) * 100.0;
+    m.leftTime = double(left);
+    m.triggerIndex = double(triggerIndex);
+    m.divisionHeight = divisionHeight;
+    return m;
+}
+
+// First sample index whose x is not left of the device column boundary.
+static qsizetype firstSampleAt(const PlotMapping& m, double boundary, qsizetype count)
+{
+    double estimate = std::ceil(m.index(boundary));
+    if (!std::isfinite(estimate))
+        estimate = estimate > 0 ? double(count) : 0.0;
+    qsizetype k = qsizetype(std::clamp(estimate, 0.0, double(count)));
+    // The estimate is off by rounding only; the bound keeps absurd time
+    // scales, where x no longer grows with k, from walking the samples.
+    for (int steps = 0; steps < 64 && k > 0 && m.x(k - 1) >= boundary; ++steps)
+        --k;
+    for (int steps = 0; steps < 64 && k < count && m.x(k) < boundary; ++steps)
+        ++k;
+    return k;
+}
+
+void ScopeTracePrivate::paintCurve(QPainter* painter, const QRect& area, int divisionHeight, qint64 left,
+                                   qint64 right, Drawing drawing)
+{
+    PlotMapping m = plotMapping(area, divisionHeight, left, right, timeBase, triggerIndex);
+    m.valueScale = invertScalingFactor * groundScalingFactor * scalingFactor;
+    m.offset = verticalOffset;
+    const qsizetype count = samples.size();
+    const double* data = samples.constData();
+    const int width = area.width();
+
+    // The samples just outside the area on either side join the curve to the edges.
+    const qsizetype first = std::max<qsizetype>(firstSampleAt(m, area.left(), count) - 1, 0);
+    const qsizetype end = std::min<qsizetype>(firstSampleAt(m, double(area.left()) + width, count) + 1, count);
+    if (first >= end)
+        return;
+
+    QPolygonF& points = polyline;
+    points.clear();
+    auto flush = [&]() {
+        if (points.size() == 1)
+            painter->drawPoint(points.front());
+        else if (points.size() > 1)
+            painter->drawPolyline(points);
+        points.clear();
+    };
+
+    const double samplesPerPixel = double(end - first) / double(width);
+    if (drawing == Drawing::EverySample || samplesPerPixel < envelopeThreshold) {
+        points.reserve(end - first);
+        for (qsizetype k = first; k < end; ++k) {
+            if (std::isfinite(data[k]))
+                points.append(QPointF(m.x(k), m.y(data[k])));
+            else
+                flush();
+        }
+        flush();
+        return;
+    }
+
+    // Per pixel column: the first sample, the column's extremes and the last
+    // sample, so that the joins to the neighbours are the same lines that
+    // joining every sample would give.
+    points.reserve(4 * width + 2);
+    qsizetype columnStart = firstSampleAt(m, area.left(), count);
+    if (columnStart > 0 && std::isfinite(data[columnStart - 1]))
+        points.append(QPointF(m.x(columnStart - 1), m.y(data[columnStart - 1])));
+    for (int c = 0; c < width; ++c) {
+        const qsizetype columnEnd = firstSampleAt(m, double(area.left()) + c + 1, count);
+        if (columnEnd > columnStart) {
+            double lowest = 0.0;
+            double highest = 0.0;
+            if (envelope.range(samples, columnStart, columnEnd, &lowest, &highest)) {
+                const double x = m.x(columnStart);
+                const double firstValue = data[columnStart];
+                const double lastValue = data[columnEnd - 1];
+                if (std::isfinite(firstValue))
+                    points.append(QPointF(x, m.y(firstValue)));
+                else
+                    flush();
+                // Down the column's span and on to the last sample from the
+                // extreme farther from it, so that this last piece stays steep
+                // and, like the lines between dense samples, lights this
+                // column only.
+                double near = m.y(lowest);
+                double far = m.y(highest);
+                const double lastY = std::isfinite(lastValue) ? m.y(lastValue) : far;
+                if (std::fabs(near - lastY) > std::fabs(far - lastY))
+                    std::swap(near, far);
+                points.append(QPointF(x, near));
+                points.append(QPointF(x, far));
+                if (std::isfinite(lastValue))
+                    points.append(QPointF(m.x(columnEnd - 1), lastY));
+                else
+                    flush();
+            } else {
+                flush();
+            }
+            columnStart = columnEnd;
+        }
+    }
+    if (columnStart < count && std::isfinite(data[columnStart]))
+        points.append(QPointF(m.x(columnStart), m.y(data[columnStart])));
+    flush();
+}
+
+void ScopeTracePrivate::paintBitRows(QPainter* painter, const QRect& area, int divisionHeight, qint64 left,
+                                     qint64 right, Drawing drawing)
+{
+    if (binaryBits.isEmpty())
+        return;
+    PlotMapping m = plotMapping(area, divisionHeight, left, right, timeBase, triggerIndex);
+    const qsizetype count = samples.size();
+    const double* data = samples.constData();
+    const int width = area.width();
+    const double levelScale = invertScalingFactor * groundScalingFactor * scalingFactor;
+    const double pitch = bitRowPitch * scalingFactor;
+
+    const qsizetype first = std::max<qsizetype>(firstSampleAt(m, area.left(), count) - 1, 0);
+    const qsizetype end = std::min<qsizetype>(firstSampleAt(m, double(area.left()) + width, count) + 1, count);
+    if (first >= end)
+        return;
+
+    const int rows = int(binaryBits.size());
+    std::vector<double> lowY(size_t(rows), 0.0);
+    std::vector<double> highY(size_t(rows), 0.0);
+    for (int i = 0; i < rows; ++i) {
+        const double base = verticalOffset + i * pitch;
+        lowY[size_t(i)] = m.yUnits(base);
+        highY[size_t(i)] = m.yUnits(base + levelScale);
+    }
+
+    const double samplesPerPixel = double(end - first) / double(width);
+    if (drawing == Drawing::EverySample || samplesPerPixel < envelopeThreshold) {
+        // Steps: a bit holds its level until the next sample.
+        QPolygonF& points = polyline;
+        for (int i = 0; i < rows; ++i) {
+            const int bit = quint8(binaryBits.at(i));
+            points.clear();
+            points.reserve(2 * (end - first));
+            auto flush = [&]() {
+                if (points.size() == 1)
+                    painter->drawPoint(points.front());
+                else if (points.size() > 1)
+                    painter->drawPolyline(points);
+                points.clear();
+            };
+            double lastY = 0.0;
+            for (qsizetype k = first; k < end; ++k) {
+                if (!std::isfinite(data[k])) {
+                    flush();
+                    continue;
+                }
+                const double y = (toUInt64(data[k]) >> bit) & 1u ? highY[size_t(i)] : lowY[size_t(i)];
+                const double x = m.x(k);
+                if (!points.isEmpty())
+                    points.append(QPointF(x, lastY));
+                points.append(QPointF(x, y));
+                lastY = y;
+            }
+            flush();
+        }
+        return;
+    }
+
+    if (!bitEnvelope.valid)
+        bitEnvelope.build(samples);
+    // Per pixel column the levels that the bit holds there: a vertical line
+    // where it changes, a point where it stays.
+    QVector<QLineF>& lines = bitLines;
+    lines.clear();
+    lines.reserve(qsizetype(width) * rows);
+    qsizetype columnStart = firstSampleAt(m, area.left(), count);
+    for (int c = 0; c < width; ++c) {
+        const qsizetype columnEnd = firstSampleAt(m, double(area.left()) + c + 1, count);
+        if (columnEnd > columnStart) {
+            quint64 ones = 0;
+            quint64 all = 0;
+            // The level held from the previous sample reaches into this column.
+            bitEnvelope.range(samples, std::max<qsizetype>(columnStart - 1, 0), columnEnd, &ones, &all);
+            const double x = m.x(columnStart);
+            const double centre = area.left() + c + 0.5;
+            for (int i = 0; i < rows; ++i) {
+                const int bit = quint8(binaryBits.at(i));
+                const bool one = (ones >> bit) & 1u;
+                const bool zero = !((all >> bit) & 1u);
+                // A level held across the column is a piece of horizontal
+                // line through the column's centre, as the steps draw it.
+                if (one && zero)
+                    lines.append(QLineF(x, lowY[size_t(i)], x, highY[size_t(i)]));
+                else if (one)
+                    lines.append(QLineF(centre - 0.25, highY[size_t(i)], centre + 0.25, highY[size_t(i)]));
+                else if (zero)
+                    lines.append(QLineF(centre - 0.25, lowY[size_t(i)], centre + 0.25, lowY[size_t(i)]));
+            }
+            columnStart = columnEnd;
+        }
+    }
+    painter->drawLines(lines);
+}
+
+void ScopeTracePrivate::paintBitLabels(QPainter* painter, const ScopeLayout* layout, int divisionHeight)
+{
+    if (binaryBits.isEmpty())
+        return;
+    const QRect area = layout->plotArea();
+    const QRect column = layout->leftColumn();
+    // Labels go into the left column when the plot made room for them,
+    // otherwise along the left edge of the grid.
+    const bool inColumn = column.width() >= binaryLabelWidth;
+    const QRect target = inColumn ? column : area;
+    painter->save();
+    painter->setClipRect(target);
+    QFont font = painter->font();
+    font.setPixelSize(9);
+    painter->setFont(font);
+    const double pitch = bitRowPitch * scalingFactor;
+    for (int i = 0; i < binaryBits.size(); ++i) {
+        const double base = verticalOffset + i * pitch;
+        const double centre = area.bottom() - (base + 0.5 * scalingFactor) * divisionHeight;
+        const QRectF box(inColumn ? column.left() : area.left() + 6, centre - 6,
+                         inColumn ? column.width() - 2 : binaryLabelWidth, 12);
+        if (box.bottom() < target.top() || box.top() > target.bottom())
+            continue;
+        painter->drawText(box, (inColumn ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter,
+                          QString::number(quint8(binaryBits.at(i))));
+    }
+    painter->restore();
+}
+
+void ScopeTracePrivate::paintOverlay(QPainter* painter, const QRect& area, int divisionHeight)
+{
+    // A small arrow at the left edge marks the trace's zero line; it stays
+    // on the edge when the zero line is scrolled out of sight.
+    const double zero = std::clamp(double(area.bottom()) - verticalOffset * divisionHeight,
+                                   double(area.top()), double(area.bottom()));
+    const int y = int(std::floor(zero));
+    const QPoint arrow[3] = {QPoint(area.left(), y - 3), QPoint(area.left() + 3, y), QPoint(area.left(), y + 3)};
+    painter->setBrush(painter->pen().color());
+    painter->drawPolygon(arrow, 3);
 }

@@ -3,13 +3,14 @@
 
 #include "scopetrace.h"
 
+#include <QtCore/QLineF>
 #include <QtCore/QVariant>
+#include <QtGui/QPolygonF>
 
 #include <vector>
 
-class QPropertyAnimation;
+class QVariantAnimation;
 class QRect;
-class QPointF;
 
 /*! Min/max pyramid over the samples: level j holds, for every block of 2^j
     samples (j ≥ 1), the smallest and largest finite sample. A range query
@@ -83,7 +84,10 @@ public:
 
     ScopeTraceEnvelope envelope;
     ScopeTraceBitEnvelope bitEnvelope;
-    QList<QPropertyAnimation*> animations;
+    QList<QVariantAnimation*> animations;
+    // Reused between paints so that drawing does not allocate.
+    QPolygonF polyline;
+    QVector<QLineF> bitLines;
 
     qint64 sampleTime(qint64 index) const;
     int sampleIndex(qint64 time) const;
