@@ -1,4 +1,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 # Time base widget, trace list, trace controls, binary view and settings page.
 target_sources(OvScopeInternal PRIVATE
+    scopetracewidget.h scopetracewidget_p.h scopetracewidget.cpp scopetracewidget.ui
+    scopetracebinarywidget.h scopetracebinarywidget_p.h scopetracebinarywidget.cpp scopetracebinarywidget.ui)
+target_sources(OvScopeInternal PRIVATE
     scopesettingpage.h scopesettingpage_p.h scopesettingpage.cpp scopesettingpage.ui)
