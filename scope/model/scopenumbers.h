@@ -14,6 +14,10 @@
 namespace ScopeNumbers {
 
 double toDouble(const char* begin, const char* end, bool* ok = nullptr);
+/*! \brief Reads the field that starts at \a begin and ends before the next
+    \a separator or at \a end, as toDouble() would; returns where the field
+    ends (the separator or \a end). One pass for plain decimals. */
+const char* readField(const char* begin, const char* end, char separator, double* value);
 double toDouble(QByteArrayView text, bool* ok = nullptr);
 qint64 toLongLong(QByteArrayView text, bool* ok = nullptr);
 quint64 toULongLong(QByteArrayView text, bool* ok = nullptr);

@@ -98,10 +98,8 @@ size_t parseRow(QByteArrayView row, qsizetype frame, const std::vector<UsedChann
             pos = sep + 1;
             ++field;
         }
-        sep = static_cast<const char*>(std::memchr(pos, ';', size_t(end - pos)));
-        const char* fieldEnd = sep ? sep : end;
-        columns[slot][frame] = ScopeNumbers::toDouble(pos, fieldEnd);
-        if (!sep)
+        sep = ScopeNumbers::readField(pos, end, ';', &columns[slot][frame]);
+        if (sep == end)
             return slot + 1;
         pos = sep + 1;
         ++field;

@@ -12,6 +12,7 @@
 #include <QtTest/QTest>
 
 #include <cmath>
+#include <cstring>
 #include <memory>
 
 namespace {
@@ -104,6 +105,7 @@ private Q_SLOTS:
     void fieldZeroIgnored();
     void numberText_data();
     void numberText();
+    void numberTextMatchesQt();
     void countsBoundedByRows();
     void hugeClaimsLoadSmall();
     void manyChannelsOneFieldRows();
@@ -318,6 +320,41 @@ void tst_ScopeShot::numberText_data()
     QTest::newRow("double sign") << QByteArray("+-1");
     QTest::newRow("comma") << QByteArray("1,5");
     QTest::newRow("large") << QByteArray("1.7976931348623157e308");
+    QTest::newRow("tenth") << QByteArray("0.1");
+    QTest::newRow("negative zero") << QByteArray("-0.000");
+    QTest::newRow("15 digits") << QByteArray("123456789012345");
+    QTest::newRow("15 digits fraction") << QByteArray("-1.23456789012345");
+    QTest::newRow("16 digits") << QByteArray("1234567890123456");
+    QTest::newRow("beyond 2^53") << QByteArray("9007199254740993");
+    QTest::newRow("many decimals") << QByteArray("0.30000000000000004");
+    QTest::newRow("two points") << QByteArray("1.2.3");
+    QTest::newRow("sign only") << QByteArray("-");
+    QTest::newRow("point only") << QByteArray(".");
+    QTest::newRow("infinity") << QByteArray("inf");
+}
+
+void tst_ScopeShot::numberTextMatchesQt()
+{
+    // Decimals of every length as a recorder writes them, against Qt's reading.
+    quint64 state = 88172645463325252ull;
+    auto next = [&state] {
+        state ^= state << 13;
+        state ^= state >> 7;
+        state ^= state << 17;
+        return state;
+    };
+    for (int i = 0; i < 200000; ++i) {
+        const int decimals = int(next() % 12);
+        const double magnitude = std::pow(10.0, double(next() % 10) - 3.0);
+        const double value = (double(next() % 2000001) / 1000000.0 - 1.0) * magnitude;
+        const QByteArray text = QByteArray::number(value, 'f', decimals);
+        bool ok = false;
+        const double parsed = ScopeNumbers::toDouble(text, &ok);
+        bool expectedOk = false;
+        const double expected = text.toDouble(&expectedOk);
+        if (!ok || !expectedOk || std::memcmp(&parsed, &expected, sizeof parsed) != 0)
+            QFAIL(text.constData());
+    }
 }
 
 void tst_ScopeShot::numberText()
@@ -330,12 +367,14 @@ void tst_ScopeShot::numberText()
     QCOMPARE(ok, expectedOk);
     QCOMPARE(value, expected);
 
-    // The same value comes out of a data row.
-    auto archive = makeArchive(archiveText("1", "1", "1", "0", {"0;" + text}, {{0, 1}}));
+    // The same value comes out of a data row, at its end and between fields.
+    auto archive = makeArchive(archiveText("1", "3", "1", "0", {"0;" + text + ";2.5;" + text}, {{0, 1}, {1, 1}, {2, 1}}));
     ScopeShot shot;
     shot.setArchive(archive.get());
     QVERIFY(shot.load());
     QCOMPARE(shot.trace(0)->samples(), QVector<double>{expected});
+    QCOMPARE(shot.trace(1)->samples(), QVector<double>{2.5});
+    QCOMPARE(shot.trace(2)->samples(), QVector<double>{expected});
 }
 
 void tst_ScopeShot::countsBoundedByRows()
