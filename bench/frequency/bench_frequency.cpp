@@ -62,9 +62,11 @@ void BM_SixteenChannelsCold(benchmark::State& state)
     }
 }
 
-// Lengths: a power of two, 10^6, primes near 10^6 and 2^20, a length with a
-// prime factor just above the fast ones, and 2 × a large prime.
-#define LENGTHS ->Arg(1 << 20)->Arg(1000000)->Arg(1000003)->Arg(1048573)->Arg(37 * 32768)->Arg(1000018)->Arg(999999)->Arg(31 * 32768)->Arg(923521)->Arg(1048575)
+// Lengths: a power of two, 10^6, primes near 10^6 and 2^20, 2 × a large
+// prime, 47 × a large prime (the chirp convolution), and lengths with
+// moderate prime factors that FFTW transforms directly (37, 31, 41, 997,
+// 1009 × 1021).
+#define LENGTHS ->Arg(1 << 20)->Arg(1000000)->Arg(1000003)->Arg(1048573)->Arg(1000018)->Arg(1000019)->Arg(37 * 32768)->Arg(999999)->Arg(923521)->Arg(1048575)->Arg(1009 * 1021)->Arg(997 * 1024)
 
 BENCHMARK(BM_OneChannelCold) LENGTHS ->Unit(benchmark::kMillisecond)->Iterations(3)->Repetitions(5)->ReportAggregatesOnly(true)->UseRealTime();
 BENCHMARK(BM_OneChannelWarm) LENGTHS ->Unit(benchmark::kMillisecond)->Iterations(3)->Repetitions(5)->ReportAggregatesOnly(true)->UseRealTime();

@@ -160,9 +160,11 @@ struct FrequencyFftwTransform::ChirpPlan : FrequencyFftwTransform::Plan
 };
 
 // Short lengths go to FFTW whatever their factors: it is fast enough there
-// and exact to the last bits. Longer lengths with a large prime factor make
-// FFTW fall back on slow algorithms (a prime near 10^6 takes a quarter of a
-// second), so they take the chirp convolution.
+// and exact to the last bits. For longer lengths FFTW stays fast while the
+// prime factors are moderate (a factor near 1000 costs about twice a power
+// of two, still less than the three transforms of a chirp convolution);
+// a large prime factor makes it fall back on slow algorithms (a prime near
+// 10^6 takes a quarter of a second), so those take the chirp convolution.
 FrequencyFftwTransform::FrequencyFftwTransform(qsizetype directLimit, qsizetype largestFastFactor)
     : m_directLimit(directLimit)
     , m_largestFastFactor(largestFastFactor)

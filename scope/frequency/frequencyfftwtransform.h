@@ -8,10 +8,11 @@
 
 /*! \brief FrequencyTransform on FFTW (double precision).
 
-    Lengths whose prime factors are all small go straight to FFTW's real
-    transform. Longer lengths with a large prime factor, which FFTW handles
-    only slowly, are computed as a chirp convolution (Bluestein) of a
-    5-smooth length, which keeps every length at O(M log M). Prepared plans
+    Lengths whose prime factors do not exceed 1024 go straight to FFTW's
+    real transform. Longer lengths with a larger prime factor, which FFTW
+    handles only slowly (a prime near 10^6 takes a quarter of a second), are
+    computed as a chirp convolution (Bluestein) of a 5-smooth length, which
+    keeps every length at O(M log M). Prepared plans
     and chirp tables are kept per length, the most recently used first,
     within a memory budget. */
 class FrequencyFftwTransform : public FrequencyTransform
@@ -26,7 +27,7 @@ public:
     ~FrequencyFftwTransform() override;
 
     static constexpr qsizetype DefaultDirectLimit = 16384;
-    static constexpr qsizetype DefaultLargestFastFactor = 31;
+    static constexpr qsizetype DefaultLargestFastFactor = 1024;
 
     void forwardReal(const double* input, qsizetype count, std::complex<double>* output) override;
     void clearCache() override;

@@ -130,7 +130,8 @@ void tst_FrequencyFftwTransform::longLengthsMatchExactTransformAtSampledPoints_d
     QTest::addColumn<bool>("chirp");
     QTest::newRow("prime 65537") << qsizetype(65537) << true;
     QTest::newRow("2^20") << qsizetype(1 << 20) << false;
-    QTest::newRow("999999") << qsizetype(999999) << true;
+    QTest::newRow("999999") << qsizetype(999999) << false;
+    QTest::newRow("47 * 21277") << qsizetype(1000019) << true;
     QTest::newRow("prime 1000003") << qsizetype(1000003) << true;
 }
 
@@ -211,9 +212,12 @@ void tst_FrequencyFftwTransform::choosesChirpForLargePrimeFactors_data()
     QTest::newRow("power of two") << qsizetype(1 << 20) << false;
     QTest::newRow("10^6") << qsizetype(1000000) << false;
     QTest::newRow("31-smooth") << qsizetype(31 * 29 * 1024) << false;
+    QTest::newRow("37 * 2^15") << qsizetype(37 * 32768) << false;
+    QTest::newRow("1009 * 1021") << qsizetype(1009 * 1021) << false;
+    QTest::newRow("prime 1031 above the limit") << qsizetype(1031 * 1024) << true;
     QTest::newRow("prime 1000003") << qsizetype(1000003) << true;
     QTest::newRow("2 * 500009") << qsizetype(1000018) << true;
-    QTest::newRow("37 * 2^15") << qsizetype(37 * 32768) << true;
+    QTest::newRow("47 * 21277") << qsizetype(1000019) << true;
 }
 
 void tst_FrequencyFftwTransform::choosesChirpForLargePrimeFactors()
