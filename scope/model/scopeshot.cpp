@@ -29,7 +29,8 @@ bool indexAfterPrefix(QByteArrayView text, QByteArrayView prefix, quint64* index
         return false;
     const char* begin = text.data() + prefix.size();
     const char* end = text.data() + text.size();
-    if (*begin < '0' || *begin > '9')
+    // Decimal without leading zeros, as the keys are written.
+    if (*begin < '0' || *begin > '9' || (*begin == '0' && end - begin > 1))
         return false;
     const auto [ptr, ec] = std::from_chars(begin, end, *index, 10);
     return ec == std::errc() && ptr == end;

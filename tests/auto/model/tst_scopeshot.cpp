@@ -107,6 +107,8 @@ private Q_SLOTS:
     void numberText();
     void numberTextMatchesQt();
     void countsBoundedByRows();
+    void malformedArchive_data();
+    void malformedArchive();
     void hugeClaimsLoadSmall();
     void manyChannelsOneFieldRows();
     void channelsBeyondEveryRow();
@@ -391,6 +393,72 @@ void tst_ScopeShot::countsBoundedByRows()
     fewerShot.setArchive(fewer.get());
     QVERIFY(fewerShot.load());
     QCOMPARE(fewerShot.trace(0)->samples(), (QVector<double>{1, 2}));
+}
+
+void tst_ScopeShot::malformedArchive_data()
+{
+    QTest::addColumn<QByteArray>("timeBase");
+    QTest::addColumn<QByteArray>("channelCount");
+    QTest::addColumn<QByteArray>("frameCount");
+    QTest::addColumn<QByteArray>("triggerIndex");
+    QTest::addColumn<QByteArray>("extraRows");
+    QTest::addColumn<bool>("loaded");
+    QTest::addColumn<QList<double>>("samples");
+    const QList<double> plain{1.5, 2.5};
+    QTest::newRow("plain") << QByteArray("1") << QByteArray("1") << QByteArray("2") << QByteArray("0")
+                           << QByteArray() << true << plain;
+    QTest::newRow("negative channel count") << QByteArray("1") << QByteArray("-1") << QByteArray("2")
+                                            << QByteArray("0") << QByteArray() << false << QList<double>();
+    QTest::newRow("channel count beyond 64 bits") << QByteArray("1") << QByteArray("99999999999999999999999")
+                                                  << QByteArray("2") << QByteArray("0") << QByteArray() << false
+                                                  << QList<double>();
+    QTest::newRow("largest channel count") << QByteArray("1") << QByteArray("18446744073709551615")
+                                           << QByteArray("2") << QByteArray("0") << QByteArray() << true << plain;
+    QTest::newRow("huge time base") << QByteArray("1e300") << QByteArray("1") << QByteArray("2") << QByteArray("0")
+                                    << QByteArray() << false << QList<double>();
+    QTest::newRow("nan time base") << QByteArray("nan") << QByteArray("1") << QByteArray("2") << QByteArray("0")
+                                   << QByteArray() << false << QList<double>();
+    QTest::newRow("huge trigger index") << QByteArray("1") << QByteArray("1") << QByteArray("2")
+                                        << QByteArray("99999999999") << QByteArray() << true << plain;
+    QTest::newRow("garbage frame count") << QByteArray("1") << QByteArray("1") << QByteArray("many")
+                                         << QByteArray("0") << QByteArray() << true << QList<double>();
+    QTest::newRow("odd row keys") << QByteArray("1") << QByteArray("1") << QByteArray("2") << QByteArray("0")
+                                  << QByteArray("Data_01=0;9\r\nData_x=0;9\r\nData_-1=0;9\r\nData_=0;9\r\n"
+                                                "Data_99999999999999999999999=0;9\r\n")
+                                  << true << plain;
+    QTest::newRow("out of range value") << QByteArray("1") << QByteArray("1") << QByteArray("3") << QByteArray("0")
+                                        << QByteArray("Data_2=0;1e99999\r\n") << true
+                                        << QList<double>{1.5, 2.5, 0.0};
+    QTest::newRow("long field") << QByteArray("1") << QByteArray("1") << QByteArray("3") << QByteArray("0")
+                                << QByteArray("Data_2=0;" + QByteArray(100000, '7') + "\r\n") << true
+                                << QList<double>{1.5, 2.5, QByteArray(100000, '7').toDouble()};
+    QTest::newRow("many separators") << QByteArray("1") << QByteArray("1") << QByteArray("3") << QByteArray("0")
+                                     << QByteArray("Data_2=" + QByteArray(100000, ';') + "\r\n") << true
+                                     << QList<double>{1.5, 2.5, 0.0};
+}
+
+void tst_ScopeShot::malformedArchive()
+{
+    QFETCH(QByteArray, timeBase);
+    QFETCH(QByteArray, channelCount);
+    QFETCH(QByteArray, frameCount);
+    QFETCH(QByteArray, triggerIndex);
+    QFETCH(QByteArray, extraRows);
+    QFETCH(bool, loaded);
+    QFETCH(QList<double>, samples);
+    QByteArray text = archiveText(timeBase, channelCount, frameCount, triggerIndex, {"0;1.5", "1;2.5"}, {{0, 1}});
+    text.replace("Data_1=1;2.5\r\n", "Data_1=1;2.5\r\n" + extraRows);
+    auto archive = makeArchive(text);
+    ScopeShot shot;
+    shot.setArchive(archive.get());
+    QCOMPARE(shot.load(), loaded);
+    if (!loaded) {
+        QVERIFY(shot.channelNumbers().isEmpty());
+        return;
+    }
+    QCOMPARE(shot.channelNumbers(), QList<int>{0});
+    QCOMPARE(shot.trace(0)->samples(), samples);
+    QVERIFY(shot.trace(0)->triggerIndex() >= 0);
 }
 
 void tst_ScopeShot::hugeClaimsLoadSmall()
