@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "scopenumbers.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstring>
 #include <system_error>
@@ -86,14 +87,13 @@ namespace ScopeNumbers {
 double toDouble(const char* begin, const char* end, bool* ok)
 {
     double value = 0.0;
-    const bool empty = !begin || begin == end;
-    bool valid = begin && trimNumber(begin, end);
-    if (!valid && !empty && begin == end) {
+    if (begin && begin != end && std::all_of(begin, end, isBlank)) {
         // Only blanks: read as 0 and accepted, like QByteArray::toDouble().
         if (ok)
             *ok = true;
         return 0.0;
     }
+    bool valid = begin && trimNumber(begin, end);
     if (valid && !parseSimpleDecimal(begin, end, &value)) {
         const auto [ptr, ec] = std::from_chars(begin, end, value, std::chars_format::general);
         valid = ec == std::errc() && ptr == end;

@@ -331,6 +331,8 @@ void tst_ScopeShot::numberText_data()
     QTest::newRow("many decimals") << QByteArray("0.30000000000000004");
     QTest::newRow("two points") << QByteArray("1.2.3");
     QTest::newRow("sign only") << QByteArray("-");
+    QTest::newRow("plus only") << QByteArray("+");
+    QTest::newRow("plus and blank") << QByteArray(" + ");
     QTest::newRow("point only") << QByteArray(".");
     QTest::newRow("infinity") << QByteArray("inf");
 }
