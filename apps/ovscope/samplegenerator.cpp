@@ -524,11 +524,11 @@ QByteArray SampleGenerator::readOut(Recording recording) const
     return document.getIniTextWithoutByteOrderMarker();
 }
 
-QByteArray SampleGenerator::shotArchive(Recording recording) const
+std::unique_ptr<ScopeShotArchive> SampleGenerator::makeShotArchive(Recording recording) const
 {
     std::unique_ptr<ScopeShotArchive> archive(ScopeShotArchive::create(nullptr));
     if (!archive->createFromReadOut(readOut(recording)))
-        return {};
+        return nullptr;
 
     // The library stamps the moment of creation; the samples carry a fixed
     // read-out time and host so that every run writes the same bytes.
@@ -552,22 +552,28 @@ QByteArray SampleGenerator::shotArchive(Recording recording) const
     const qint64 markerB = recording == Recording::PhaseCurrents ? 99937500 : 100000000;
     scene->setValue("MarkerPosition_0A", "0");
     scene->setValue("MarkerPosition_0B", QByteArray::number(markerB));
-    return archive->toByteArray();
+    return archive;
+}
+
+QByteArray SampleGenerator::shotArchive(Recording recording) const
+{
+    const std::unique_ptr<ScopeShotArchive> archive = makeShotArchive(recording);
+    return archive ? archive->toByteArray() : QByteArray();
 }
 
 QByteArray SampleGenerator::composition() const
 {
-    return compositionOf(shotArchive(Recording::Step), shotArchive(Recording::SoftStep));
+    const std::unique_ptr<ScopeShotArchive> step = makeShotArchive(Recording::Step);
+    const std::unique_ptr<ScopeShotArchive> soft = makeShotArchive(Recording::SoftStep);
+    return compositionOf(step.get(), soft.get());
 }
 
-QByteArray SampleGenerator::compositionOf(const QByteArray& stepArchive, const QByteArray& softArchive)
+QByteArray SampleGenerator::compositionOf(ScopeShotArchive* step, ScopeShotArchive* soft)
 {
-    std::unique_ptr<ScopeShotArchive> step(ScopeShotArchive::create(nullptr));
-    std::unique_ptr<ScopeShotArchive> soft(ScopeShotArchive::create(nullptr));
-    if (!step->fromByteArray(stepArchive) || !soft->fromByteArray(softArchive))
+    if (!step || !soft)
         return {};
     std::unique_ptr<ScopeCompositionArchive> made(ScopeCompositionArchive::create(nullptr));
-    made->create({step.get(), soft.get()});
+    made->create({step, soft});
 
     // Fixed creation data instead of the moment of the run, set in the
     // document and read back by the library.
@@ -609,14 +615,15 @@ bool SampleGenerator::writeAll(const QString& folder, QStringList* written, QStr
         written->append(path);
         return true;
     };
-    const QByteArray step = shotArchive(Recording::Step);
-    if (!write(baseName(Recording::Step) + QLatin1String(".ovxshot"), step))
+    // The two steps stay in memory for the composition that refers to them.
+    const std::unique_ptr<ScopeShotArchive> step = makeShotArchive(Recording::Step);
+    if (!step || !write(baseName(Recording::Step) + QLatin1String(".ovxshot"), step->toByteArray()))
         return false;
-    const QByteArray soft = shotArchive(Recording::SoftStep);
-    if (!write(baseName(Recording::SoftStep) + QLatin1String(".ovxshot"), soft))
+    const std::unique_ptr<ScopeShotArchive> soft = makeShotArchive(Recording::SoftStep);
+    if (!soft || !write(baseName(Recording::SoftStep) + QLatin1String(".ovxshot"), soft->toByteArray()))
         return false;
     return write(baseName(Recording::PhaseCurrents) + QLatin1String(".ovxshot"),
                  shotArchive(Recording::PhaseCurrents))
         && write(baseName(Recording::Braking) + QLatin1String(".ovxreadout"), readOut(Recording::Braking))
-        && write(QStringLiteral("sprungvergleich.ovxcomp"), compositionOf(step, soft));
+        && write(QStringLiteral("sprungvergleich.ovxcomp"), compositionOf(step.get(), soft.get()));
 }

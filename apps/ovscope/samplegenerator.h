@@ -6,6 +6,10 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
+#include <memory>
+
+class ScopeShotArchive;
+
 /*! \brief Writes the sample recordings of a drive: deterministic read-outs of
     simulated drive physics, turned into shot archives and a composition by
     the library's own archive classes.
@@ -62,7 +66,8 @@ public:
     static QByteArray hostName();
 
 private:
-    static QByteArray compositionOf(const QByteArray& stepArchive, const QByteArray& softArchive);
+    std::unique_ptr<ScopeShotArchive> makeShotArchive(Recording recording) const;
+    static QByteArray compositionOf(ScopeShotArchive* step, ScopeShotArchive* soft);
 
     qint64 m_frames;
     int m_channels;
