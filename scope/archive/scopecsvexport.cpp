@@ -9,6 +9,7 @@
 
 #include <QtCore/QDateTime>
 #include <QtCore/QLocale>
+#include <QtCore/QFileInfo>
 #include <QtCore/QSaveFile>
 
 #include <algorithm>
@@ -64,7 +65,7 @@ qint64 rowTime(qint64 frame, qint64 triggerIndex, double samplingTime)
 class CsvWriter
 {
 public:
-    explicit CsvWriter(QSaveFile* file)
+    explicit CsvWriter(QIODevice* file)
         : m_file(file)
     {
         m_buffer.reserve(FlushSize + 4096);
@@ -94,7 +95,7 @@ public:
     }
 
 private:
-    QSaveFile* m_file;
+    QIODevice* m_file;
     std::string m_buffer;
 };
 
@@ -116,15 +117,29 @@ namespace ScopeCsvExport {
 
 bool write(const IniParser& document, const QString& shotName, const QString& fileName)
 {
-    QSaveFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly))
+    // A regular file is replaced only once the export is complete. Devices,
+    // pipes and sockets (also behind a symbolic link) cannot be replaced and
+    // must not be: they are written directly.
+    const QFileInfo target(fileName);
+    const bool direct = target.exists() && !target.isFile() && !target.isDir();
+    QSaveFile saveFile(fileName);
+    QFile directFile(fileName);
+    QFileDevice& file = direct ? static_cast<QFileDevice&>(directFile) : saveFile;
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
         return false;
+    const auto finish = [&]() {
+        if (direct) {
+            directFile.close();
+            return true;
+        }
+        return saveFile.commit();
+    };
 
     const IniSection* shot = document.section(ScopeArchiveKeys::ShotSection);
     const IniSection* data = document.section(ScopeArchiveKeys::DataSection);
     if (!shot || !data) {
         // Nothing to export: the file is left empty, which is still a success.
-        return file.commit();
+        return finish();
     }
 
     // Channel sections by index; a later section with the same index (written
@@ -257,7 +272,7 @@ bool write(const IniParser& document, const QString& shotName, const QString& fi
         writer.flushIfFull();
     }
     writer.flush();
-    return file.commit();
+    return finish();
 }
 
 } // namespace ScopeCsvExport

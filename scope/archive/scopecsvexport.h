@@ -12,9 +12,9 @@ namespace ScopeCsvExport {
 
 /*! \brief Writes \a document as CSV to \a fileName, naming the shot \a shotName.
 
-    Sample values are copied as the text the document holds. The file is
-    written through a temporary file and only replaces \a fileName when it is
-    complete. Returns false when the file cannot be opened for writing (or
+    Sample values are copied as the text the document holds. A regular file
+    is written through a temporary file and only replaced when the export is
+    complete; a device or pipe is written directly. Returns false when the file cannot be opened for writing (or
     the finished file cannot be put in place); a document without "ScopeShot"
     or "Data" gives an empty file and true.
 */

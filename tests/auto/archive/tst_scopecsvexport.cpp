@@ -11,6 +11,10 @@
 
 #include <memory>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 class tst_ScopeCsvExport : public QObject
 {
     Q_OBJECT
@@ -32,6 +36,7 @@ private Q_SLOTS:
     void unopenableFileFails();
     void replacesOldFileWithoutLeftovers();
     void rowsSortedByFrameNumber();
+    void pipeIsWrittenNotReplaced();
     void fieldZeroIsNeverExported();
     void textIsLatin1();
     void largeExport();
@@ -314,6 +319,29 @@ void tst_ScopeCsvExport::replacesOldFileWithoutLeftovers()
     QVERIFY(!bytes.contains('x' + QByteArray("x")));
     QCOMPARE(QDir(m_dir.path()).entryList({QStringLiteral("keep.csv*")}, QDir::Files),
              QStringList({QStringLiteral("keep.csv")}));
+}
+
+void tst_ScopeCsvExport::pipeIsWrittenNotReplaced()
+{
+    // A named pipe (like a device) cannot be replaced by a new file: the
+    // export writes into it and it stays a pipe.
+    const QString fileName = m_dir.filePath(QStringLiteral("pipe.csv"));
+    QVERIFY(::mkfifo(QFile::encodeName(fileName).constData(), 0600) == 0);
+    std::unique_ptr<ScopeShotArchive> archive(ScopeShotArchive::create(nullptr));
+    QVERIFY(archive->fromByteArray(document("TimeBase=1", "Data_0=0;1", QByteArray())));
+    // Open both ends without blocking: the reader first, non-blocking.
+    const int readFd = ::open(QFile::encodeName(fileName).constData(), O_RDONLY | O_NONBLOCK);
+    QVERIFY(readFd >= 0);
+    QVERIFY(archive->exportCsv(fileName));
+    QByteArray received(1 << 16, Qt::Uninitialized);
+    const ssize_t size = ::read(readFd, received.data(), size_t(received.size()));
+    ::close(readFd);
+    QVERIFY(size > 0);
+    received.truncate(size);
+    QVERIFY(received.startsWith("*,\"Velkor\"\r\n"));
+    QVERIFY(received.endsWith("\r\n0,\r\n"));
+    QVERIFY(!QFileInfo(fileName).isFile());
+    QVERIFY(QFileInfo(fileName).exists());
 }
 
 void tst_ScopeCsvExport::rowsSortedByFrameNumber()
