@@ -14,7 +14,20 @@ function(viewparts_add_comma_locale_run name)
         ENVIRONMENT "QT_QPA_PLATFORM=offscreen;HOME=${home};XDG_CONFIG_HOME=${home}/.config;XDG_DATA_HOME=${home}/.local/share;XDG_CACHE_HOME=${home}/.cache;XDG_RUNTIME_DIR=${home}/runtime;LC_ALL=de_DE.UTF-8")
 endfunction()
 
+ovscope_add_test(tst_scopetimewidget SOURCES tst_scopetimewidget.cpp LIBS OvScopeInternal)
+viewparts_add_comma_locale_run(tst_scopetimewidget)
+
 ovscope_add_test(tst_scopetracewidget SOURCES tst_scopetracewidget.cpp LIBS OvScopeInternal)
 viewparts_add_comma_locale_run(tst_scopetracewidget)
 
 ovscope_add_test(tst_scopetracebinarywidget SOURCES tst_scopetracebinarywidget.cpp LIBS OvScopeInternal)
+
+ovscope_add_test(tst_scopetracelist SOURCES tst_scopetracelist.cpp LIBS OvScopeInternal)
+viewparts_add_comma_locale_run(tst_scopetracelist)
+
+ovscope_add_test(tst_scopesettingpage SOURCES tst_scopesettingpage.cpp LIBS OvScopeInternal)
+
+# Links no scope code: it loads the shared library and finds the icons in it.
+ovscope_add_test(tst_scoperesources SOURCES tst_scoperesources.cpp LIBS Qt6::Gui)
+target_compile_definitions(tst_scoperesources PRIVATE OVSCOPE_LIBRARY_FILE="$<TARGET_FILE:OvScope>")
+add_dependencies(tst_scoperesources OvScope)
