@@ -46,15 +46,15 @@ struct Stripe
         right = qint64(samples - 1) * 100;
     }
 
-    void paint(bool everySample)
+    void paint(bool everySample, qint64 shift = 0)
     {
         image.fill(Qt::black);
         QPainter painter(&image);
         for (const auto& trace : traces) {
             if (everySample)
-                trace->paintEverySample(&layout, &painter, 0, right);
+                trace->paintEverySample(&layout, &painter, shift, right + shift);
             else
-                trace->paint(&layout, &painter, 0, right);
+                trace->paint(&layout, &painter, shift, right + shift);
         }
     }
 };
@@ -68,6 +68,20 @@ void BM_PaintStripe(benchmark::State& state)
         benchmark::DoNotOptimize(stripe.image.constBits());
     }
     state.SetLabel("16 traces, envelope");
+}
+
+// The same with a time range that moves by one sample at every paint, as
+// while panning: the pixel columns are recomputed from the envelope each time.
+void BM_PaintStripePanning(benchmark::State& state)
+{
+    Stripe stripe(int(state.range(0)), false);
+    qint64 shift = 0;
+    for (auto _ : state) {
+        shift = (shift + 100) % 100000;
+        stripe.paint(false, shift);
+        benchmark::DoNotOptimize(stripe.image.constBits());
+    }
+    state.SetLabel("16 traces, envelope, range moving");
 }
 
 // Noisy curves: every pixel column of a dense recording holds a band some
@@ -108,6 +122,8 @@ void BM_SetSamples(benchmark::State& state)
 } // namespace
 
 BENCHMARK(BM_PaintStripe)->Arg(1000)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMillisecond)->Repetitions(5)
+    ->ReportAggregatesOnly(true);
+BENCHMARK(BM_PaintStripePanning)->Arg(1000)->Arg(1000000)->Unit(benchmark::kMillisecond)->Repetitions(5)
     ->ReportAggregatesOnly(true);
 BENCHMARK(BM_PaintStripeNoisy)->Arg(1000)->Arg(1000000)->Unit(benchmark::kMillisecond)->Repetitions(5)
     ->ReportAggregatesOnly(true);

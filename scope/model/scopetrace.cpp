@@ -5,13 +5,10 @@
 #include "scopelayout.h"
 #include "scopeseries.h"
 
+#include "appsettings.h"
 #include "datatypeprovider.h"
 #include "iniparser.h"
 #include "simpletype.h"
-#if __has_include("appsettings.h")
-#include "appsettings.h"
-#define SCOPETRACE_HAVE_APPSETTINGS 1
-#endif
 
 #include <QtCore/QEasingCurve>
 #include <QtCore/QLocale>
@@ -84,15 +81,16 @@ QString groupByFour(QString digits)
 // column of a point is the same for the envelope and for the rasteriser.
 inline double snap(double coordinate)
 {
-    return double(std::lrint(coordinate * 64.0)) / 64.0;
+    // Coordinates are clamped to ±1e7 before, so the integer conversion is safe.
+    const double scaled = coordinate * 64.0;
+    return double(qint64(scaled + (scaled >= 0.0 ? 0.5 : -0.5))) / 64.0;
 }
 
+// NaN is the second operand, so it never replaces a bound.
 inline void combine(double value, double* lowest, double* highest)
 {
-    if (value < *lowest)
-        *lowest = value;
-    if (value > *highest)
-        *highest = value;
+    *lowest = std::min(*lowest, value);
+    *highest = std::max(*highest, value);
 }
 
 } // namespace
@@ -305,9 +303,7 @@ ScopeTracePrivate::ScopeTracePrivate(ScopeTrace* q, QObject* parent, int number)
     , number(number)
     , color(Qt::red)
 {
-#ifdef SCOPETRACE_HAVE_APPSETTINGS
     color = AppSettings::instance()->defaultTraceColor(number);
-#endif
     connect(this, &ScopeTracePrivate::changed, q, &ScopeTrace::changed);
     connect(this, &ScopeTracePrivate::viewChanged, q, &ScopeTrace::viewChanged);
     connect(this, &ScopeTracePrivate::quickMeasureValue, q, &ScopeTrace::quickMeasureValue);
@@ -687,6 +683,7 @@ void ScopeTrace::setSamples(const QVector<double>& samples)
         && std::equal(samples.cbegin(), samples.cend(), d->samples.cbegin()))
         return;
     d->samples = samples;
+    ++d->samplesGeneration;
     d->envelope.build(d->samples);
     d->bitEnvelope.clear();
     Q_EMIT d->changed();
@@ -1142,18 +1139,19 @@ struct PlotMapping
 {
     double areaLeft = 0.0;
     double areaBottom = 0.0;
-    double pixelsPerNanosecond = 0.0;
-    double nanosecondsPerSample = 0.0;
-    double leftTime = 0.0;
-    double triggerIndex = 0.0;
+    // x of sample k is xOrigin + k × xStep; the index at device x is
+    // indexOrigin + (x − areaLeft) × indexStep.
+    double xOrigin = 0.0;
+    double xStep = 0.0;
+    double indexOrigin = 0.0;
+    double indexStep = 0.0;
     double divisionHeight = 0.0;
     double valueScale = 0.0;
     double offset = 0.0;
 
     double x(qsizetype index) const
     {
-        const double t = (double(index) - triggerIndex) * nanosecondsPerSample - leftTime;
-        return snap(clampCoordinate(areaLeft + t * pixelsPerNanosecond));
+        return snap(clampCoordinate(xOrigin + double(index) * xStep));
     }
     double yUnits(double units) const
     {
@@ -1166,13 +1164,14 @@ struct PlotMapping
     // The continuous sample index at device x.
     double index(double deviceX) const
     {
-        return triggerIndex + (leftTime + (deviceX - areaLeft) / pixelsPerNanosecond) / nanosecondsPerSample;
+        return indexOrigin + (deviceX - areaLeft) * indexStep;
     }
     // Far beyond the device, coordinates only need to keep their direction;
-    // clamping keeps the rasteriser's fixed-point arithmetic in range.
+    // clamping keeps the rasteriser's fixed-point arithmetic in range (and
+    // turns NaN into a harmless coordinate).
     static double clampCoordinate(double coordinate)
     {
-        return std::clamp(coordinate, -1.0e7, 1.0e7);
+        return coordinate > -1.0e7 ? (coordinate < 1.0e7 ? coordinate : 1.0e7) : -1.0e7;
     }
 };
 
@@ -1223,12 +1222,14 @@ static PlotMapping plotMapping(const QRect& area, int divisionHeight, qint64 lef
                                quint32 timeBase, qint32 triggerIndex)
 {
     PlotMapping m;
+    const double pixelsPerNanosecond = double(area.width()) / (double(right) - double(left));
+    const double nanosecondsPerSample = double(timeBase) * 100.0;
     m.areaLeft = area.left();
     m.areaBottom = area.bottom();
-    m.pixelsPerNanosecond = double(area.width()) / (double(right) - double(left));
-    m.nanosecondsPerSample = double(timeBase) * 100.0;
-    m.leftTime = double(left);
-    m.triggerIndex = double(triggerIndex);
+    m.xStep = nanosecondsPerSample * pixelsPerNanosecond;
+    m.xOrigin = area.left() - (double(triggerIndex) * nanosecondsPerSample + double(left)) * pixelsPerNanosecond;
+    m.indexStep = 1.0 / m.xStep;
+    m.indexOrigin = double(triggerIndex) + double(left) / nanosecondsPerSample;
     m.divisionHeight = divisionHeight;
     return m;
 }
@@ -1236,7 +1237,9 @@ static PlotMapping plotMapping(const QRect& area, int divisionHeight, qint64 lef
 // First sample index whose x is not left of the device column boundary.
 static qsizetype firstSampleAt(const PlotMapping& m, double boundary, qsizetype count)
 {
-    double estimate = std::ceil(m.index(boundary));
+    // x is snapped to 1/64 pixel, so samples up to half a step left of the
+    // boundary already count as on it.
+    double estimate = std::ceil(m.index(boundary - 1.0 / 128.0));
     if (!std::isfinite(estimate))
         estimate = estimate > 0 ? double(count) : 0.0;
     qsizetype k = qsizetype(std::clamp(estimate, 0.0, double(count)));
@@ -1290,47 +1293,90 @@ void ScopeTracePrivate::paintCurve(QPainter* painter, const QRect& area, int div
 
     // Per pixel column: the first sample, the column's extremes and the last
     // sample, so that the joins to the neighbours are the same lines that
-    // joining every sample would give.
-    points.reserve(4 * width + 2);
-    qsizetype columnStart = firstSampleAt(m, area.left(), count);
-    if (columnStart > 0 && std::isfinite(data[columnStart - 1]))
-        points.append(QPointF(m.x(columnStart - 1), m.y(data[columnStart - 1])));
-    for (int c = 0; c < width; ++c) {
-        const qsizetype columnEnd = firstSampleAt(m, double(area.left()) + c + 1, count);
-        if (columnEnd > columnStart) {
-            double lowest = 0.0;
-            double highest = 0.0;
-            if (envelope.range(samples, columnStart, columnEnd, &lowest, &highest)) {
-                const double x = m.x(columnStart);
-                const double firstValue = data[columnStart];
-                const double lastValue = data[columnEnd - 1];
-                if (std::isfinite(firstValue))
-                    points.append(QPointF(x, m.y(firstValue)));
-                else
-                    flush();
-                // Down the column's span and on to the last sample from the
-                // extreme farther from it, so that this last piece stays steep
-                // and, like the lines between dense samples, lights this
-                // column only.
-                double near = m.y(lowest);
-                double far = m.y(highest);
-                const double lastY = std::isfinite(lastValue) ? m.y(lastValue) : far;
-                if (std::fabs(near - lastY) > std::fabs(far - lastY))
-                    std::swap(near, far);
-                points.append(QPointF(x, near));
-                points.append(QPointF(x, far));
-                if (std::isfinite(lastValue))
-                    points.append(QPointF(m.x(columnEnd - 1), lastY));
-                else
-                    flush();
-            } else {
-                flush();
+    // joining every sample would give. The columns only depend on the
+    // samples and the time range, so repaints of the same range (markers,
+    // cursor, colours, vertical scale) reuse them.
+    const qsizetype columnCount = width;
+    ScopeTraceColumns& cache = columns;
+    if (cache.generation != samplesGeneration || cache.left != left || cache.right != right
+        || cache.areaLeft != area.left() || cache.width != width || cache.timeBase != timeBase
+        || cache.triggerIndex != triggerIndex) {
+        cache.generation = samplesGeneration;
+        cache.left = left;
+        cache.right = right;
+        cache.areaLeft = area.left();
+        cache.width = width;
+        cache.timeBase = timeBase;
+        cache.triggerIndex = triggerIndex;
+        cache.columns.assign(size_t(columnCount), ScopeTraceColumn());
+        qsizetype columnStart = firstSampleAt(m, area.left(), count);
+        cache.before = columnStart - 1;
+        // Column boundaries lie thousands of samples apart in a long
+        // recording: fetch the samples and blocks around a boundary a few
+        // columns ahead, so that memory latency does not set the pace.
+        constexpr int prefetchDistance = 8;
+        const double* blockLows = envelope.minimum.empty() ? nullptr : envelope.minimum.front().data();
+        const double* blockHighs = envelope.maximum.empty() ? nullptr : envelope.maximum.front().data();
+        const qsizetype blockCount = envelope.minimum.empty() ? 0 : qsizetype(envelope.minimum.front().size());
+        for (qsizetype c = 0; c < columnCount; ++c) {
+            const double ahead = m.index(double(area.left()) + double(c + prefetchDistance));
+            if (ahead >= 0.0 && ahead < double(count)) {
+                const qsizetype k = qsizetype(ahead);
+                __builtin_prefetch(data + k);
+                __builtin_prefetch(data + std::max<qsizetype>(k - 8, 0));
+                if (k / envelopeBlock < blockCount) {
+                    __builtin_prefetch(blockLows + k / envelopeBlock);
+                    __builtin_prefetch(blockHighs + k / envelopeBlock);
+                }
             }
-            columnStart = columnEnd;
+            const qsizetype columnEnd = firstSampleAt(m, double(area.left()) + double(c) + 1.0, count);
+            if (columnEnd > columnStart) {
+                ScopeTraceColumn& column = cache.columns[size_t(c)];
+                column.hasRange = envelope.range(samples, columnStart, columnEnd, &column.lowest, &column.highest);
+                column.first = columnStart;
+                column.last = columnEnd - 1;
+                column.firstValue = data[columnStart];
+                column.lastValue = data[columnEnd - 1];
+                column.xFirst = m.x(columnStart);
+                column.xLast = m.x(columnEnd - 1);
+                columnStart = columnEnd;
+            }
         }
+        cache.after = columnStart;
     }
-    if (columnStart < count && std::isfinite(data[columnStart]))
-        points.append(QPointF(m.x(columnStart), m.y(data[columnStart])));
+
+    points.reserve(4 * columnCount + 2);
+    if (cache.before >= 0 && std::isfinite(data[cache.before]))
+        points.append(QPointF(m.x(cache.before), m.y(data[cache.before])));
+    for (const ScopeTraceColumn& column : cache.columns) {
+        if (column.first < 0)
+            continue;
+        if (!column.hasRange) {
+            flush();
+            continue;
+        }
+        const double x = column.xFirst;
+        if (std::isfinite(column.firstValue))
+            points.append(QPointF(x, m.y(column.firstValue)));
+        else
+            flush();
+        // Down the column's span and on to the last sample from the extreme
+        // farther from it, so that this last piece stays steep and, like the
+        // lines between dense samples, lights this column only.
+        double near = m.y(column.lowest);
+        double far = m.y(column.highest);
+        const double lastY = std::isfinite(column.lastValue) ? m.y(column.lastValue) : far;
+        if (std::fabs(near - lastY) > std::fabs(far - lastY))
+            std::swap(near, far);
+        points.append(QPointF(x, near));
+        points.append(QPointF(x, far));
+        if (std::isfinite(column.lastValue))
+            points.append(QPointF(column.xLast, lastY));
+        else
+            flush();
+    }
+    if (cache.after < count && std::isfinite(data[cache.after]))
+        points.append(QPointF(m.x(cache.after), m.y(data[cache.after])));
     flush();
 }
 

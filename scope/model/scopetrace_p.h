@@ -43,6 +43,37 @@ struct ScopeTraceBitEnvelope
                quint64* ones, quint64* all) const;
 };
 
+/*! What one pixel column of the curve shows: its first and last sample
+    (index, value, x) and the extremes of its samples. */
+struct ScopeTraceColumn
+{
+    qsizetype first = -1;
+    qsizetype last = -1;
+    double firstValue = 0.0;
+    double lastValue = 0.0;
+    double xFirst = 0.0;
+    double xLast = 0.0;
+    double lowest = 0.0;
+    double highest = 0.0;
+    bool hasRange = false;
+};
+
+/*! The columns of the last dense paint, valid while samples, time range and
+    plot width stay. */
+struct ScopeTraceColumns
+{
+    quint64 generation = 0;
+    qint64 left = 0;
+    qint64 right = 0;
+    int areaLeft = 0;
+    int width = 0;
+    quint32 timeBase = 0;
+    qint32 triggerIndex = 0;
+    qsizetype before = -1;
+    qsizetype after = 0;
+    std::vector<ScopeTraceColumn> columns;
+};
+
 class ScopeTracePrivate : public QObject
 {
     Q_OBJECT
@@ -83,6 +114,9 @@ public:
     double binaryScalingFactorBackup = 1.0;
 
     ScopeTraceEnvelope envelope;
+    // Counts sample changes; 0 is never a valid generation of the column cache.
+    quint64 samplesGeneration = 1;
+    ScopeTraceColumns columns;
     ScopeTraceBitEnvelope bitEnvelope;
     QList<QVariantAnimation*> animations;
     // Reused between paints so that drawing does not allocate.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "scopetrace.h"
 
+#include "appsettings.h"
 #include "iniparser.h"
 #include "scopelayout.h"
 
@@ -78,6 +79,7 @@ void tst_ScopeTrace::defaults()
     QCOMPARE(trace.physicalDatatype(), quint8(0));
     QCOMPARE(trace.decimalPlaces(), 7u);
     QCOMPARE(trace.parameterKind(), 0);
+    QCOMPARE(trace.color(), AppSettings::instance()->defaultTraceColor(3));
     QVERIFY(trace.color().isValid());
     QCOMPARE(trace.verticalOffset(), 0.0);
     QCOMPARE(trace.timeBase(), 1u);
