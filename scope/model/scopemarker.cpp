@@ -12,12 +12,20 @@
 #include <QtGui/QPainterPath>
 #include <QtWidgets/QWidget>
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace {
 
 constexpr qint64 defaultPositionA = -10000000;
 constexpr qint64 defaultPositionB = 10000000;
+
+// The difference of two times as a double, without 64-bit overflow.
+inline double difference(qint64 a, qint64 b)
+{
+    return double(__int128(a) - b);
+}
 
 QByteArray markerKey(int markerSet, char letter)
 {
@@ -40,12 +48,14 @@ qint64 ScopeMarkerPrivate::snap(qint64 time) const
 qint64 ScopeMarkerPrivate::tolerance(const QWidget* widget) const
 {
     // About three pixels of the plot, in time.
-    return (viewRight - viewLeft) / MouseEventHandler::plotWidthOf(widget) * 3;
+    const __int128 tolerance = (__int128(viewRight) - viewLeft) / MouseEventHandler::plotWidthOf(widget) * 3;
+    return qint64(std::clamp<__int128>(tolerance, 0, std::numeric_limits<qint64>::max() / 2));
 }
 
 bool ScopeMarkerPrivate::isHit(qint64 position, qint64 time, qint64 tolerance) const
 {
-    return position >= time - tolerance && position <= time + tolerance;
+    const __int128 distance = __int128(position) - time;
+    return distance >= -__int128(tolerance) && distance <= tolerance;
 }
 
 void ScopeMarkerPrivate::applyLimitsAndReport()
@@ -79,19 +89,19 @@ void ScopeMarkerPrivate::paintInterval(QPainter* painter, qreal height) const
 {
     if (positionA > viewRight || positionB < viewLeft)
         return;
-    const qint64 span = viewRight - viewLeft;
-    const qreal left = qreal(qMax<qint64>(positionA - viewLeft, 0));
-    const qreal right = qreal(qMin<qint64>(positionB - viewLeft, span));
+    const double span = difference(viewRight, viewLeft);
+    const qreal left = std::max(difference(positionA, viewLeft), 0.0);
+    const qreal right = std::min(difference(positionB, viewLeft), span);
     painter->setPen(Qt::NoPen);
     painter->setBrush(QColor(0, 122, 204, 100));
     painter->drawRect(QRectF(left, 0.0, right - left, height));
 
     if (windowFunction != Frequency::Hamming || positionB <= positionA || windowCurve.isEmpty())
         return;
-    const double pointsPerTime = double(windowPoints) / double(positionB - positionA);
+    const double pointsPerTime = double(windowPoints) / difference(positionB, positionA);
     qint64 first = 0;
     if (positionA < viewLeft)
-        first = qint64(double(viewLeft - positionA) * pointsPerTime);
+        first = qint64(std::min(difference(viewLeft, positionA) * pointsPerTime, double(windowPoints)));
     QPainterPath path(QPointF(left, height * 0.5));
     for (qint64 k = first, n = 0; k < windowCurve.size(); ++k, ++n) {
         const qreal x = qreal(n) / pointsPerTime + left;
@@ -117,7 +127,7 @@ void ScopeMarkerPrivate::paintMarker(const ScopeLayout& layout, QPainter* painte
     if (position < viewLeft || position > viewRight)
         return;
     const QRectF area(layout.plotArea());
-    const qreal x = qreal(position - viewLeft);
+    const qreal x = difference(position, viewLeft);
     QPen pen(AppSettings::instance()->color(AppSettings::MarkerColor), 0, Qt::DashLine);
     pen.setCosmetic(true);
     painter->setPen(pen);
@@ -130,7 +140,7 @@ void ScopeMarkerPrivate::paintMarker(const ScopeLayout& layout, QPainter* painte
     painter->resetTransform();
     painter->setClipRect(ruler, Qt::ReplaceClip);
     painter->translate(ruler.bottomLeft());
-    const qint64 rulerX = qint64(__int128(ruler.width()) * (position - viewLeft) / (viewRight - viewLeft));
+    const qint64 rulerX = qint64(__int128(ruler.width()) * (__int128(position) - viewLeft) / (__int128(viewRight) - viewLeft));
     painter->setPen(AppSettings::instance()->color(AppSettings::MarkerColor));
     painter->drawText(QPoint(int(rulerX), 0), letter);
     painter->restore();
@@ -159,7 +169,7 @@ void ScopeMarker::paint(const ScopeLayout& layout, QPainter* painter) const
     // Origin at the bottom left, one unit of x is one nanosecond, y upwards.
     const QRectF areaF(area);
     painter->translate(areaF.bottomLeft());
-    painter->scale(areaF.width() / double(d->viewRight - d->viewLeft), -1.0);
+    painter->scale(areaF.width() / difference(d->viewRight, d->viewLeft), -1.0);
     if (d->showInterval)
         d->paintInterval(painter, areaF.height());
     d->paintMarker(layout, painter, d->positionA, QStringLiteral("A"));

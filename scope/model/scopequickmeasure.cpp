@@ -40,11 +40,11 @@ void ScopeQuickMeasure::paint(const ScopeLayout& layout, QPainter* painter) cons
     painter->setClipRect(area, Qt::ReplaceClip);
     const QRectF areaF(area);
     painter->translate(areaF.bottomLeft());
-    painter->scale(areaF.width() / double(d->viewRight - d->viewLeft), -1.0);
+    painter->scale(areaF.width() / double(__int128(d->viewRight) - d->viewLeft), -1.0);
     QPen pen(AppSettings::instance()->color(AppSettings::MarkerColor), 0, Qt::SolidLine);
     pen.setCosmetic(true);
     painter->setPen(pen);
-    const qreal x = qreal(d->position - d->viewLeft);
+    const qreal x = qreal(double(__int128(d->position) - d->viewLeft));
     painter->drawLine(QPointF(x, 0.0), QPointF(x, areaF.height()));
     painter->restore();
 }

@@ -21,18 +21,24 @@
 #include <QtWidgets/QWidget>
 
 #include <algorithm>
+#include <limits>
 #include <numeric>
 #include <vector>
 
 namespace {
 
-constexpr QByteArrayView sliderLeftKey(ScopeArchiveKeys::ViewSliderLeft);
-constexpr QByteArrayView sliderRightKey(ScopeArchiveKeys::ViewSliderRight);
+const QByteArrayView sliderLeftKey(ScopeArchiveKeys::ViewSliderLeft);
+const QByteArrayView sliderRightKey(ScopeArchiveKeys::ViewSliderRight);
+
+qint64 clampTime(__int128 time)
+{
+    return qint64(std::clamp<__int128>(time, std::numeric_limits<qint64>::min(), std::numeric_limits<qint64>::max()));
+}
 
 // Pixel column of \a time in a plot of \a width pixels showing left … right.
 qint64 columnOf(qint64 time, qint64 left, qint64 right, int width)
 {
-    return qint64(__int128(width) * (time - left) / (right - left));
+    return qint64(__int128(width) * (__int128(time) - left) / (__int128(right) - left));
 }
 
 } // namespace
@@ -57,9 +63,9 @@ void ScopeScenePrivate::recomputeRange()
                 timeBases.push_back(trace->timeBase());
         }
     }
-    const qint64 margin = qint64(double(endTime - startTime) * 0.1);
-    startTime -= margin;
-    endTime += margin;
+    const __int128 margin = __int128(double(__int128(endTime) - startTime) * 0.1);
+    startTime = clampTime(startTime - margin);
+    endTime = clampTime(endTime + margin);
 
     std::sort(timeBases.begin(), timeBases.end());
     timeBases.erase(std::unique(timeBases.begin(), timeBases.end()), timeBases.end());
@@ -118,14 +124,14 @@ void ScopeScenePrivate::panTo(QWidget* widget, const QPoint& position)
     const qint64 dx = last.x() - position.x();
     const qint64 left = zoomBar->sliderLeft();
     const qint64 right = zoomBar->sliderRight();
-    const qint64 shift = qint64(__int128(dx) * (right - left) / divisionsAcross / divisionWidth);
+    const __int128 shift = __int128(dx) * (__int128(right) - left) / divisionsAcross / divisionWidth;
     // The shift is cut at the zoom bar's limits.
-    qint64 move = 0;
+    __int128 move = 0;
     if (shift < 1)
-        move = -std::min(-shift, left - zoomBar->minimum());
+        move = -std::min<__int128>(-shift, __int128(left) - zoomBar->minimum());
     else
-        move = std::min(shift, zoomBar->maximum() - right);
-    zoomBar->setSlider(left + move, right + move);
+        move = std::min<__int128>(shift, __int128(zoomBar->maximum()) - right);
+    zoomBar->setSlider(clampTime(left + move), clampTime(right + move));
 }
 
 void ScopeScenePrivate::endPan(QWidget* widget)
@@ -428,15 +434,15 @@ bool ScopeScene::wheel(QWidget* widget, qint64 time, const QPoint& position, QWh
         return false;
     const qint64 left = d->zoomBar->sliderLeft();
     const qint64 right = d->zoomBar->sliderRight();
-    const qint64 distanceLeft = time - d->viewLeft;
-    const qint64 distanceRight = d->viewRight - time;
+    const __int128 distanceLeft = __int128(time) - d->viewLeft;
+    const __int128 distanceRight = __int128(d->viewRight) - time;
     if (distanceLeft < 1 || distanceRight < 1)
         return false;
     const bool forward = event->angleDelta().y() > 0;
     const double factor = forward ? 1.0 / 1.5 : 1.5;
-    const qint64 newLeft = qint64(double(distanceLeft) * factor);
-    const qint64 newRight = qint64(double(distanceRight) * factor);
-    d->zoomBar->setSlider(time - newLeft, time + newRight);
+    const __int128 newLeft = __int128(double(distanceLeft) * factor);
+    const __int128 newRight = __int128(double(distanceRight) * factor);
+    d->zoomBar->setSlider(clampTime(time - newLeft), clampTime(time + newRight));
     event->accept();
     const bool changed = d->zoomBar->sliderLeft() != left || d->zoomBar->sliderRight() != right;
     if (changed && (event->modifiers() & Qt::ShiftModifier)) {

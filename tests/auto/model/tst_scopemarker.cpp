@@ -12,6 +12,8 @@
 #include <QtTest/QTest>
 #include <QtWidgets/QWidget>
 
+#include <limits>
+
 class tst_ScopeMarker : public QObject
 {
     Q_OBJECT
@@ -49,6 +51,7 @@ private Q_SLOTS:
     void paintInterval();
     void paintWindowCurve();
     void paintNothingOutsideView();
+    void extremeTimes();
 };
 
 void tst_ScopeMarker::initTestCase()
@@ -473,6 +476,31 @@ void tst_ScopeMarker::paintNothingOutsideView()
         marker.paint(plot.layout, &painter);
     }
     QCOMPARE(plot.countNonBlack(QRect(0, 0, 400, 300)), 0);
+}
+
+void tst_ScopeMarker::extremeTimes()
+{
+    // Times at the ends of the 64-bit range neither overflow nor crash.
+    const qint64 lowest = std::numeric_limits<qint64>::min();
+    const qint64 highest = std::numeric_limits<qint64>::max();
+    QWidget widget;
+    widget.resize(100, 50);
+    ScopeMarker marker;
+    marker.setLimits(lowest, highest);
+    marker.setViewRange(lowest, highest);
+    marker.setStep(62500);
+    marker.setPosition(0, lowest);
+    marker.setPosition(1, highest);
+    QVERIFY(marker.position(0) <= marker.position(1));
+    QMouseEvent down = press(Qt::LeftButton);
+    marker.mousePressed(&widget, 0, QPoint(), &down);
+    QMouseEvent drag = move(Qt::LeftButton);
+    marker.mouseMoved(&widget, highest, QPoint(), &drag);
+    marker.mouseReleased(&widget, lowest);
+    Plot plot;
+    QPainter painter(&plot.image);
+    marker.setShowInterval(true);
+    marker.paint(plot.layout, &painter);
 }
 
 QTEST_MAIN(tst_ScopeMarker)

@@ -20,6 +20,7 @@
 #include <QtTest/QTest>
 #include <QtWidgets/QWidget>
 
+#include <limits>
 #include <memory>
 
 namespace {
@@ -123,6 +124,7 @@ private Q_SLOTS:
     void paintTriggerIndicator();
     void paintTracesMarkersAndCursor();
     void noZoomBar();
+    void extremeRange();
 };
 
 void tst_ScopeScene::initTestCase()
@@ -787,6 +789,38 @@ void tst_ScopeScene::noZoomBar()
     scene.writeSection(section, nullptr);
     QCOMPARE(section->keys(), (QList<QByteArray>{"MarkerPosition_0A", "MarkerPosition_0B"}));
     scene.clear();
+}
+
+void tst_ScopeScene::extremeRange()
+{
+    // A visible range over the whole 64-bit axis neither overflows nor crashes.
+    const qint64 lowest = std::numeric_limits<qint64>::min();
+    const qint64 highest = std::numeric_limits<qint64>::max();
+    ScopeScene scene;
+    ZoomBar zoomBar;
+    scene.setZoomBar(&zoomBar);
+    zoomBar.setMinimum(lowest);
+    zoomBar.setMaximum(highest);
+    zoomBar.setMinimumSliderDifference(1);
+    zoomBar.setSlider(lowest, highest);
+    Plot plot;
+    QWheelEvent out = wheelEvent(-120, Qt::ControlModifier);
+    QVERIFY(scene.wheel(&plot.widget, 0, QPoint(), &out));
+    QCOMPARE(zoomBar.sliderLeft(), lowest);
+    QCOMPARE(zoomBar.sliderRight(), highest);
+    QMouseEvent down = mouse(QEvent::MouseButtonPress, Qt::LeftButton, Qt::ControlModifier);
+    QVERIFY(scene.mousePressed(&plot.widget, 0, QPoint(0, 0), &down));
+    QMouseEvent drag = mouse(QEvent::MouseMove, Qt::LeftButton, Qt::ControlModifier);
+    QVERIFY(scene.mouseMoved(&plot.widget, 0, QPoint(100000, 0), &drag));
+    QVERIFY(scene.mouseMoved(&plot.widget, 0, QPoint(-100000, 0), &drag));
+    QVERIFY(scene.mouseReleased(&plot.widget, 0));
+    QCOMPARE(zoomBar.sliderLeft(), lowest);
+    QCOMPARE(zoomBar.sliderRight(), highest);
+    QImage image(400, 300, QImage::Format_RGB32);
+    QPainter painter(&image);
+    scene.markers().first()->setLimits(lowest, highest);
+    scene.markers().first()->setShowInterval(true);
+    scene.paint(&plot.widget, &painter, {});
 }
 
 QTEST_MAIN(tst_ScopeScene)
