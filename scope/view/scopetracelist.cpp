@@ -75,9 +75,10 @@ void ScopeTraceListPrivate::watch(QObject* stripe)
     connect(stripe, &QObject::destroyed, this, [this](QObject* gone) {
         alive.remove(gone);
         deletedStripes.remove(gone);
+        itemIndex.remove(gone);
         // The container may still list the widget while it is being
         // destroyed: rebuild once the deletion is over.
-        QMetaObject::invokeMethod(this, &ScopeTraceListPrivate::updateItems, Qt::QueuedConnection);
+        scheduleUpdate();
     });
 }
 
@@ -86,16 +87,46 @@ QTreeWidgetItem* ScopeTraceListPrivate::findItem(const QObject* object) const
     Q_Q(const ScopeTraceList);
     if (!object)
         return nullptr;
+    // Quick-measure answers look up every trace's item at each pointer move:
+    // remember where each object's item is. A persistent index follows the
+    // item through sorting and becomes invalid when the item goes.
+    const auto known = itemIndex.constFind(object);
+    if (known != itemIndex.cend() && known->isValid()) {
+        QTreeWidgetItem* item = q->itemFromIndex(*known);
+        if (item && objectOf(item) == object)
+            return item;
+    }
     for (int i = 0; i < q->topLevelItemCount(); ++i) {
         QTreeWidgetItem* stripeItem = q->topLevelItem(i);
-        if (objectOf(stripeItem) == object)
+        if (objectOf(stripeItem) == object) {
+            itemIndex.insert(object, QPersistentModelIndex(q->indexFromItem(stripeItem)));
             return stripeItem;
+        }
         for (int j = 0; j < stripeItem->childCount(); ++j) {
-            if (objectOf(stripeItem->child(j)) == object)
+            if (objectOf(stripeItem->child(j)) == object) {
+                itemIndex.insert(object, QPersistentModelIndex(q->indexFromItem(stripeItem->child(j))));
                 return stripeItem->child(j);
+            }
         }
     }
+    itemIndex.remove(object);
     return nullptr;
+}
+
+void ScopeTraceListPrivate::scheduleUpdate()
+{
+    // Many changes in one pass of the event loop (an animation frame of
+    // several traces, a menu action on a whole stripe) rebuild once.
+    if (updatePending)
+        return;
+    updatePending = true;
+    QMetaObject::invokeMethod(
+        this,
+        [this]() {
+            if (updatePending)
+                updateItems();
+        },
+        Qt::QueuedConnection);
 }
 
 ScopeTrace* ScopeTraceListPrivate::traceOf(const QTreeWidgetItem* item) const
@@ -148,7 +179,7 @@ void ScopeTraceListPrivate::setStripesWidget(ScopeStripesWidget* container)
     stripesWidget = container;
     if (container) {
         connect(container, &ScopeStripesWidget::scopeStripesChanged, this, &ScopeTraceListPrivate::updateItems);
-        connect(container, &QObject::destroyed, this, &ScopeTraceListPrivate::updateItems, Qt::QueuedConnection);
+        connect(container, &QObject::destroyed, this, &ScopeTraceListPrivate::scheduleUpdate);
     }
     updateItems();
 }
@@ -159,6 +190,7 @@ void ScopeTraceListPrivate::updateItems()
     if (updating)
         return;
     updating = true;
+    updatePending = false;
     const QSignalBlocker blocker(q);
 
     QTreeWidgetItem* current = q->currentItem();
@@ -263,12 +295,13 @@ void ScopeTraceListPrivate::updateTrace(ScopeTrace* trace)
     // One connection of each kind, however often the item is refilled.
     disconnect(trace, nullptr, this, nullptr);
     connect(trace, &ScopeTrace::quickMeasureValue, this, &ScopeTraceListPrivate::onQuickMeasureValueChanged);
-    // Queued: a trace changes inside our own handlers (check boxes, menu),
+    // Deferred: a trace changes inside our own handlers (check boxes, menu),
     // and during animations many times in a row.
-    connect(trace, &ScopeTrace::changed, this, &ScopeTraceListPrivate::updateItems, Qt::QueuedConnection);
+    connect(trace, &ScopeTrace::changed, this, &ScopeTraceListPrivate::scheduleUpdate);
     connect(trace, &QObject::destroyed, this, [this](QObject* gone) {
         alive.remove(gone);
-        QMetaObject::invokeMethod(this, &ScopeTraceListPrivate::updateItems, Qt::QueuedConnection);
+        itemIndex.remove(gone);
+        scheduleUpdate();
     });
 }
 

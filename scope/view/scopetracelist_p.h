@@ -5,6 +5,7 @@
 
 #include <QtCore/QHash>
 #include <QtCore/QObject>
+#include <QtCore/QPersistentModelIndex>
 #include <QtCore/QPointer>
 #include <QtCore/QSet>
 
@@ -31,6 +32,8 @@ public:
     /*! \brief The stripe whose trace filter holds \a trace, or null. */
     ScopeWidget* stripeOfTrace(const ScopeTrace* trace) const;
     void setStripesWidget(ScopeStripesWidget* stripesWidget);
+    /*! \brief Rebuilds once, in a later pass of the event loop. */
+    void scheduleUpdate();
     void watch(QObject* object);
 
 Q_SIGNALS:
@@ -66,6 +69,9 @@ public:
     /*! \brief Stripes deleted from the menu whose widgets are still pending deletion. */
     QSet<const QObject*> deletedStripes;
     bool updating = false;
+    bool updatePending = false;
+    /*! \brief Where the item of each listed object was last found. */
+    mutable QHash<const QObject*, QPersistentModelIndex> itemIndex;
 
 private:
     ScopeTraceList* q_ptr = nullptr;
