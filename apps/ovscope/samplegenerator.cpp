@@ -11,7 +11,6 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QLocale>
-#include <QtCore/QTimeZone>
 
 #include <algorithm>
 #include <charconv>
@@ -431,7 +430,7 @@ QString SampleGenerator::baseName(Recording recording)
 QDateTime SampleGenerator::readOutTime(Recording recording)
 {
     // A fixed commissioning afternoon, a few minutes between the read-outs.
-    const QDateTime first(QDate(2026, 3, 17), QTime(14, 2, 37, 415), QTimeZone::utc());
+    const QDateTime first(QDate(2026, 3, 17), QTime(14, 2, 37, 415), Qt::UTC);
     return first.addMSecs(qint64(int(recording)) * 191476);
 }
 
