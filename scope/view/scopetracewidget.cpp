@@ -253,7 +253,8 @@ void ScopeTraceWidgetPrivate::onScalingEditCommitted()
         return;
     }
     const float factor = 1.0f / unitsPerDivision;
-    trace->setScalingFactor(static_cast<double>(factor));
+    if (std::isfinite(factor))
+        trace->setScalingFactor(static_cast<double>(factor));
     // A factor the trace refuses (it is off) or that equals the present one
     // signals nothing: show the trace's value again in any case.
     updateControls();

@@ -221,6 +221,10 @@ void tst_ScopeTraceWidget::scalingEdit_data()
     QTest::newRow("letters") << QStringLiteral("abc") << 0.5;
     QTest::newRow("empty") << QString() << 0.5;
     QTest::newRow("blanks") << QStringLiteral("   ") << 0.5;
+    QTest::newRow("not a number") << QStringLiteral("nan") << 0.5;
+    QTest::newRow("infinite") << QStringLiteral("inf V/div") << 0.5;
+    QTest::newRow("float overflow") << QStringLiteral("1e39") << 0.5;
+    QTest::newRow("reciprocal overflow") << QStringLiteral("1e-39") << 0.5;
     QTest::newRow("with unit") << QStringLiteral("0.5 V/div") << 2.0;
     QTest::newRow("leading blanks") << QStringLiteral("  4   U/min/div") << double(1.0f / 4.0f);
     QTest::newRow("single precision") << QStringLiteral("3") << double(1.0f / 3.0f);
