@@ -11,6 +11,7 @@
 #include "traceinformationimplemention.h"
 
 #include <QtCore/QDir>
+#include <QtCore/QDirIterator>
 #include <QtCore/QFile>
 #include <QtCore/QProcess>
 #include <QtCore/QSharedPointer>
@@ -128,6 +129,8 @@ private Q_SLOTS:
     void render_data();
     void render();
     void renderFrequencyTab();
+    void renderLeavesSettingsAlone();
+    void renderCompositionWithoutShots();
 
 private:
     Result run(const QStringList& arguments, const QProcessEnvironment& environment = QProcessEnvironment()) const;
@@ -941,6 +944,51 @@ void tst_OvScopeCli::renderFrequencyTab()
                                     QStringLiteral("frequency")});
     QCOMPARE(composition.exitCode, 1);
     QVERIFY(!QFile::exists(scratchPath(QStringLiteral("cf.png"))));
+}
+
+void tst_OvScopeCli::renderLeavesSettingsAlone()
+{
+#ifndef OVSCOPE_CLI_RENDER
+    QSKIP("This build has no scope view to render");
+#endif
+    // The view stores its geometry in the application settings; a render
+    // must neither read nor change the user's.
+    const QString config = QProcessEnvironment::systemEnvironment().value(QStringLiteral("XDG_CONFIG_HOME"));
+    QVERIFY(!config.isEmpty());
+    const auto settingsTexts = [&config]() {
+        QByteArray all;
+        QDirIterator files(config, QDir::Files, QDirIterator::Subdirectories);
+        while (files.hasNext())
+            all += readAll(files.next());
+        return all;
+    };
+    const QByteArray before = settingsTexts();
+    const Result result = run({QStringLiteral("render"), samplePath(QStringLiteral("antrieb-sprung.ovxshot")),
+                               QStringLiteral("-o"), scratchPath(QStringLiteral("settings.png"))});
+    QCOMPARE(result.exitCode, 0);
+    QCOMPARE(settingsTexts(), before);
+    QVERIFY(!before.contains("scopeViewGeometry"));
+}
+
+void tst_OvScopeCli::renderCompositionWithoutShots()
+{
+#ifndef OVSCOPE_CLI_RENDER
+    QSKIP("This build has no scope view to render");
+#endif
+    QTemporaryDir alone;
+    const QString composition = alone.filePath(QStringLiteral("alone.ovxcomp"));
+    QVERIFY(QFile::copy(samplePath(QStringLiteral("sprungvergleich.ovxcomp")), composition));
+    const QString output = alone.filePath(QStringLiteral("alone.png"));
+    const Result result = run({QStringLiteral("render"), composition, QStringLiteral("-o"), output});
+    QCOMPARE(result.exitCode, 1);
+    QVERIFY2(result.err.contains("none of the composition's shots"), result.err.constData());
+    QVERIFY(!QFile::exists(output));
+
+    // With one of the two shots beside it, the composition renders.
+    QVERIFY(QFile::copy(samplePath(QStringLiteral("antrieb-sprung.ovxshot")), alone.filePath(QStringLiteral("a.ovxshot"))));
+    const Result one = run({QStringLiteral("render"), composition, QStringLiteral("-o"), output});
+    QCOMPARE(one.exitCode, 0);
+    QVERIFY(!QImage(output).isNull());
 }
 
 QTEST_MAIN(tst_OvScopeCli)
