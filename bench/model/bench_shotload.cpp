@@ -4,6 +4,8 @@
 //   BM_LoadRows        ScopeShot::load() on an archive whose text is already
 //                      parsed: the row parsing and trace creation alone;
 //                      bytes_per_second counts the row text.
+//   BM_ReadFields      ScopeNumbers::readField() over the row text joined into
+//                      one field list: the number reading alone.
 //   BM_LoadFromBytes   fromByteArray() + load(): what opening a recording
 //                      costs; peak_rss_ratio is the growth of the peak
 //                      resident memory over the process before the text was
@@ -13,6 +15,7 @@
 // thread that does the work (the machine may be shared). Run with
 //   bench_shotload --benchmark_repetitions=5 --benchmark_report_aggregates_only=true
 
+#include "scopenumbers.h"
 #include "scopeshot.h"
 #include "scopeshotarchive.h"
 #include "scopetrace.h"
@@ -86,6 +89,35 @@ const QByteArray& archiveText()
     }();
     return text;
 }
+
+void BM_ReadFields(benchmark::State& state)
+{
+    // The row values (after "Data_N=") joined by ";".
+    const QByteArray& text = archiveText();
+    QByteArray fields;
+    fields.reserve(rowBytes + frameCount);
+    qsizetype pos = 0;
+    while ((pos = text.indexOf("\nData_", pos)) >= 0) {
+        const qsizetype begin = text.indexOf('=', pos) + 1;
+        const qsizetype end = text.indexOf('\r', begin);
+        fields += text.mid(begin, end - begin);
+        fields += ';';
+        pos = end;
+    }
+    for (auto _ : state) {
+        const char* p = fields.constData();
+        const char* const end = p + fields.size();
+        double sum = 0.0;
+        while (p < end) {
+            double value = 0.0;
+            p = ScopeNumbers::readField(p, end, ';', &value) + 1;
+            sum += value;
+        }
+        benchmark::DoNotOptimize(sum);
+    }
+    state.SetBytesProcessed(state.iterations() * fields.size());
+}
+BENCHMARK(BM_ReadFields)->Unit(benchmark::kMillisecond);
 
 void BM_LoadRows(benchmark::State& state)
 {
