@@ -371,7 +371,8 @@ int runSample(const QStringList& arguments)
                           QStringLiteral("Write the sample recordings of a drive into DIR: the shot archives\n"
                                          "antrieb-sprung, antrieb-sprung-weich and phasenstrom (.ovxshot), the\n"
                                          "read-out antrieb-bremsung (.ovxreadout) and the composition\n"
-                                         "sprungvergleich (.ovxcomp). The output is the same on every run."));
+                                         "sprungvergleich (.ovxcomp). The output is the same on every run.\n"
+                                         "Prints the path of every file written."));
     command.parser().addOption(outputOption(QStringLiteral("DIR"), QStringLiteral("Folder to write into (made when missing).")));
     command.parser().addOption(QCommandLineOption(QStringLiteral("frames"),
                                                   QStringLiteral("Frames per recording (default 4000, at most 20000000)."),
@@ -380,6 +381,8 @@ int runSample(const QStringList& arguments)
                                                   QStringLiteral("Channels per recording (default: each recording's own;\n"
                                                                  "more add measurement channels, at most 64)."),
                                                   QStringLiteral("N")));
+    command.parser().addOption(QCommandLineOption(QStringLiteral("keep-existing"),
+                                                  QStringLiteral("Leave files that are already in DIR as they are.")));
     if (const int status = command.parse(arguments); status >= 0)
         return status;
     int status = ExitStatus::Success;
@@ -412,7 +415,7 @@ int runSample(const QStringList& arguments)
     const SampleGenerator generator(frames, channels);
     QStringList written;
     QString error;
-    if (!generator.writeAll(output, &written, &error)) {
+    if (!generator.writeAll(output, &written, &error, command.parser().isSet(QStringLiteral("keep-existing")))) {
         CliIo::printError(error);
         return ExitStatus::Failure;
     }

@@ -596,13 +596,14 @@ QByteArray SampleGenerator::compositionOf(ScopeShotArchive* step, ScopeShotArchi
     return composition->toByteArray();
 }
 
-bool SampleGenerator::writeAll(const QString& folder, QStringList* written, QString* error) const
+bool SampleGenerator::writeAll(const QString& folder, QStringList* written, QString* error, bool keepExisting) const
 {
     QDir dir(folder);
     if (!dir.exists() && !QDir().mkpath(folder)) {
         *error = QStringLiteral("%1: cannot create the folder").arg(folder);
         return false;
     }
+    const auto kept = [&](const QString& fileName) { return keepExisting && dir.exists(fileName); };
     const auto write = [&](const QString& fileName, const QByteArray& bytes) {
         if (bytes.isEmpty()) {
             *error = QStringLiteral("%1: the library refused the recording").arg(fileName);
@@ -615,14 +616,20 @@ bool SampleGenerator::writeAll(const QString& folder, QStringList* written, QStr
         return true;
     };
     // The two steps stay in memory for the composition that refers to them.
+    const QString stepFile = baseName(Recording::Step) + QLatin1String(".ovxshot");
+    const QString softFile = baseName(Recording::SoftStep) + QLatin1String(".ovxshot");
+    const QString phaseFile = baseName(Recording::PhaseCurrents) + QLatin1String(".ovxshot");
+    const QString readOutFile = baseName(Recording::Braking) + QLatin1String(".ovxreadout");
+    const QString compositionFile = QStringLiteral("sprungvergleich.ovxcomp");
     const std::unique_ptr<ScopeShotArchive> step = makeShotArchive(Recording::Step);
-    if (!step || !write(baseName(Recording::Step) + QLatin1String(".ovxshot"), step->toByteArray()))
-        return false;
     const std::unique_ptr<ScopeShotArchive> soft = makeShotArchive(Recording::SoftStep);
-    if (!soft || !write(baseName(Recording::SoftStep) + QLatin1String(".ovxshot"), soft->toByteArray()))
+    if (!step || !soft) {
+        *error = QStringLiteral("%1: the library refused the recording").arg(stepFile);
         return false;
-    return write(baseName(Recording::PhaseCurrents) + QLatin1String(".ovxshot"),
-                 shotArchive(Recording::PhaseCurrents))
-        && write(baseName(Recording::Braking) + QLatin1String(".ovxreadout"), readOut(Recording::Braking))
-        && write(QStringLiteral("sprungvergleich.ovxcomp"), compositionOf(step.get(), soft.get()));
+    }
+    return (kept(stepFile) || write(stepFile, step->toByteArray()))
+        && (kept(softFile) || write(softFile, soft->toByteArray()))
+        && (kept(phaseFile) || write(phaseFile, shotArchive(Recording::PhaseCurrents)))
+        && (kept(readOutFile) || write(readOutFile, readOut(Recording::Braking)))
+        && (kept(compositionFile) || write(compositionFile, compositionOf(step.get(), soft.get())));
 }

@@ -54,8 +54,10 @@ public:
     QByteArray composition() const;
 
     /*! \brief Writes every recording into \a folder (created when missing);
-        \a written receives the paths in the order written. */
-    bool writeAll(const QString& folder, QStringList* written, QString* error) const;
+        \a written receives the paths in the order written. With
+        \a keepExisting, files that are already there stay as they are (a
+        user's edited samples) and are not listed. */
+    bool writeAll(const QString& folder, QStringList* written, QString* error, bool keepExisting = false) const;
 
     /*! \brief File base name of \a recording. */
     static QString baseName(Recording recording);

@@ -95,6 +95,7 @@ private Q_SLOTS:
     void sampleFiles();
     void sampleIsDeterministic();
     void sampleBig();
+    void sampleKeepsExisting();
 
     void infoMatchesArchive_data();
     void infoMatchesArchive();
@@ -383,6 +384,27 @@ void tst_OvScopeCli::sampleBig()
     auto two = loadShot(folder.filePath(QStringLiteral("few/antrieb-sprung.ovxshot")));
     QVERIFY(two);
     QCOMPARE(two->dataSection()->value(ScopeArchiveKeys::ChannelCount), QByteArray("2"));
+}
+
+void tst_OvScopeCli::sampleKeepsExisting()
+{
+    QTemporaryDir folder;
+    const QString edited = folder.filePath(QStringLiteral("antrieb-sprung.ovxshot"));
+    QVERIFY(writeAll(edited, QByteArrayLiteral("edited by the user")));
+    const Result result = run({QStringLiteral("sample"), QStringLiteral("-o"), folder.path(), QStringLiteral("--keep-existing")});
+    QCOMPARE(result.exitCode, 0);
+    QCOMPARE(readAll(edited), QByteArray("edited by the user"));
+    // The others are written and listed; the kept one is not.
+    QCOMPARE(result.out.count('\n'), 4);
+    QVERIFY(!result.out.contains("antrieb-sprung.ovxshot"));
+    QCOMPARE(readAll(folder.filePath(QStringLiteral("sprungvergleich.ovxcomp"))),
+             readAll(samplePath(QStringLiteral("sprungvergleich.ovxcomp"))));
+
+    // Without the option every file is written again.
+    const Result again = run({QStringLiteral("sample"), QStringLiteral("-o"), folder.path()});
+    QCOMPARE(again.exitCode, 0);
+    QCOMPARE(again.out.count('\n'), 5);
+    QCOMPARE(readAll(edited), readAll(samplePath(QStringLiteral("antrieb-sprung.ovxshot"))));
 }
 
 void tst_OvScopeCli::infoMatchesArchive_data()
