@@ -11,30 +11,6 @@
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 
-#include <csignal>
-#include <sys/resource.h>
-
-// Makes every write of this process beyond a few bytes fail, even for root,
-// for as long as it lives.
-class FileSizeLimit
-{
-public:
-    FileSizeLimit()
-    {
-        std::signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &m_old);
-        rlimit limit = m_old;
-        limit.rlim_cur = 16;
-        m_active = setrlimit(RLIMIT_FSIZE, &limit) == 0;
-    }
-    ~FileSizeLimit() { setrlimit(RLIMIT_FSIZE, &m_old); }
-    bool isActive() const { return m_active; }
-
-private:
-    rlimit m_old {};
-    bool m_active = false;
-};
-
 class tst_WorkbenchRepository : public QObject
 {
     Q_OBJECT

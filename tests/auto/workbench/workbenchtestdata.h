@@ -8,7 +8,30 @@
 
 #include "scopeshotarchive.h"
 
+#include <csignal>
 #include <memory>
+#include <sys/resource.h>
+
+// Makes every write of this process beyond a few bytes fail, even for root
+// (who ignores file permissions), for as long as it lives.
+class FileSizeLimit
+{
+public:
+    FileSizeLimit()
+    {
+        std::signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &m_old);
+        rlimit limit = m_old;
+        limit.rlim_cur = 16;
+        m_active = setrlimit(RLIMIT_FSIZE, &limit) == 0;
+    }
+    ~FileSizeLimit() { setrlimit(RLIMIT_FSIZE, &m_old); }
+    bool isActive() const { return m_active; }
+
+private:
+    rlimit m_old {};
+    bool m_active = false;
+};
 
 // A small read-out of a drive: speed and current over 200 frames, trigger at 40.
 inline QByteArray testReadOut(const QByteArray& serial, double amplitude = 100.0)
