@@ -19,12 +19,16 @@ public:
     bool readTraces(bool reuse);
     void addTrace(int number, const QSharedPointer<ScopeTrace>& trace);
     void dropTrace(ScopeTrace* trace);
+    QSharedPointer<ScopeTrace> makeTrace(int number);
 
     ScopeShot* q_ptr;
     QMap<qint32, QSharedPointer<ScopeTrace>> traceMap;
     qint32 timeBase = 0;
     ScopeShotArchive* archive = nullptr;
     void* readOutSource = nullptr;
+    // Set while the shot is destroyed: the traces are then deleted as its
+    // children (in one pass) instead of one by one by their shared pointers.
+    bool destroying = false;
 
 public Q_SLOTS:
     void traceViewChanged();

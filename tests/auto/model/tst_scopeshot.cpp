@@ -112,6 +112,7 @@ private Q_SLOTS:
     void hugeClaimsLoadSmall();
     void manyChannelsOneFieldRows();
     void channelsBeyondEveryRow();
+    void manyTracesGoQuickly();
     void reloadKeepsUnusedTrace();
     void reloadSignalsQueued();
     void saveTraceViews();
@@ -519,6 +520,35 @@ void tst_ScopeShot::manyChannelsOneFieldRows()
     // The rows hold no samples, so no channel gets a trace: an empty
     // recording instead of 10,000 traces × 10,000 frames (800 MB).
     QVERIFY(shot.channelNumbers().isEmpty());
+}
+
+void tst_ScopeShot::manyTracesGoQuickly()
+{
+    // 40,000 channels that one row reaches: a shot of 40,000 traces.
+    constexpr int channels = 40000;
+    QByteArray text = ";type=\"ovx-scope-shot-archive\" version=\"0\"\r\n\r\n[Archive]\r\nID=x\r\n\r\n"
+                      "[ScopeShot]\r\nTimeBase=1\r\n\r\n[Data]\r\nChannelCount=40000\r\nFrameCount=1\r\n"
+                      "TriggerIndex=0\r\nData_0=0";
+    for (int c = 0; c < channels; ++c)
+        text += ";1.5";
+    text += "\r\n";
+    for (int c = 0; c < channels; ++c)
+        text += "\r\n[ScopeChannel_" + QByteArray::number(c) + "]\r\nSourceType=1\r\n";
+    auto archive = makeArchive(text);
+    auto shot = std::make_unique<ScopeShot>();
+    shot->setArchive(archive.get());
+    QElapsedTimer timer;
+    timer.start();
+    QVERIFY(shot->load());
+    const qint64 loading = timer.restart();
+    QCOMPARE(shot->channelNumbers().size(), channels);
+    QCOMPARE(shot->trace(channels - 1)->samples(), QVector<double>{1.5});
+    shot.reset();
+    const qint64 destroying = timer.elapsed();
+    qInfo("40,000 traces: load %lld ms, destruction %lld ms", loading, destroying);
+    // Destruction must not be quadratic in the number of traces (removing
+    // them one by one from the shot's children took seconds).
+    QVERIFY2(destroying < 1500, qPrintable(QStringLiteral("%1 ms").arg(destroying)));
 }
 
 void tst_ScopeShot::channelsBeyondEveryRow()
