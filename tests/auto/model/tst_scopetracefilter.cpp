@@ -76,7 +76,7 @@ void tst_ScopeTraceFilter::addTwice()
     QCOMPARE(filter.traces(), QList<ScopeTrace*>{shot.trace(1)});
     QCOMPARE(spy.count(), 0);
     QTRY_COMPARE(spy.count(), 1);
-    QTest::qWait(0);
+    QCoreApplication::processEvents();
     QCOMPARE(spy.count(), 1);
 }
 
