@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "iniparser.h"
+#include "scopelayout.h"
 #include "scopenumbers.h"
 #include "scopeshot.h"
 #include "scopeshotarchive.h"
@@ -8,6 +9,8 @@
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QFile>
 #include <QtCore/QStandardPaths>
+#include <QtGui/QImage>
+#include <QtGui/QPainter>
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 
@@ -120,6 +123,7 @@ private Q_SLOTS:
     void archiveChangeUpdatesControls();
     void setArchiveReplacesConnections();
     void quickMeasureFanOut();
+    void paintOwnTracesOnly();
 };
 
 void tst_ScopeShot::initTestCase()
@@ -686,6 +690,47 @@ void tst_ScopeShot::quickMeasureFanOut()
     QCOMPARE(first.count(), 2);
     QCOMPARE(second.count(), 2);
     QCOMPARE(second.at(1).at(2).toBool(), false);
+}
+
+void tst_ScopeShot::paintOwnTracesOnly()
+{
+    auto archive = makeArchive(archiveText("1", "2", "4", "0", {"0;1;2", "1;2;3", "2;3;4", "3;4;5"}, {{0, 1}, {1, 1}}));
+    ScopeShot shot;
+    shot.setArchive(archive.get());
+    QVERIFY(shot.load());
+    ScopeShot other;
+    auto otherArchive = makeArchive(archiveText("1", "1", "4", "0", {"0;1", "1;2", "2;3", "3;4"}, {{0, 1}}));
+    other.setArchive(otherArchive.get());
+    QVERIFY(other.load());
+    shot.trace(0)->setColor(QColor(0, 255, 0));
+    shot.trace(1)->setColor(QColor(255, 0, 255));
+    other.trace(0)->setColor(QColor(255, 255, 0));
+    ScopeLayout layout;
+    layout.setGeometry(QRect(0, 0, 400, 300));
+    auto render = [&](const QList<ScopeTrace*>& traces) {
+        QImage image(400, 300, QImage::Format_RGB32);
+        image.fill(Qt::black);
+        QPainter painter(&image);
+        painter.setPen(Qt::red);
+        shot.paint(&layout, &painter, traces, -500, 3500);
+        // The painter's state is kept.
+        if (painter.pen().color() != QColor(Qt::red))
+            image = QImage();
+        return image;
+    };
+    auto has = [](const QImage& image, const QColor& color) {
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                if (image.pixelColor(x, y) == color)
+                    return true;
+        return false;
+    };
+    const QImage image = render({shot.trace(1), other.trace(0)});
+    QVERIFY(!image.isNull());
+    QVERIFY(has(image, QColor(255, 0, 255)));
+    QVERIFY(!has(image, QColor(0, 255, 0)));
+    QVERIFY(!has(image, QColor(255, 255, 0)));
+    QVERIFY(!has(render({}), QColor(255, 0, 255)));
 }
 
 QTEST_MAIN(tst_ScopeShot)
