@@ -43,7 +43,6 @@ constexpr double largestSpan = 4.0e18;
 ScopeTimeWidgetPrivate::ScopeTimeWidgetPrivate(ScopeTimeWidget* widget)
     : QObject(widget)
     , ui(std::make_unique<Ui::ScopeTimeWidget>())
-    , widget(widget)
     , q_ptr(widget)
 {
     ui->setupUi(widget);

@@ -50,9 +50,8 @@ public:
     QPointer<ZoomBar> zoomBar;
     QPointer<ScopeStripesWidget> stripesWidget;
     qint64 timeRaster = 1;
-    ScopeTimeWidget* widget = nullptr;
 
 private:
-    ScopeTimeWidget* q_ptr = nullptr;
+    ScopeTimeWidget* q_ptr = nullptr; // the public widget
     QList<QMetaObject::Connection> zoomBarConnections;
 };
