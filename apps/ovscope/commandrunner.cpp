@@ -76,7 +76,7 @@ public:
         m_parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsOptions);
         m_parser.addOption(QCommandLineOption({QStringLiteral("h"), QStringLiteral("help")},
                                               QStringLiteral("Show this help.")));
-        m_parser.addPositionalArgument(command, QString(), command);
+        m_parser.addPositionalArgument(command, QStringLiteral("The command."), command);
     }
 
     QCommandLineParser& parser() { return m_parser; }
@@ -210,9 +210,11 @@ bool markerOptions(CommandParser& command, AnalysisCommands::Markers* markers, i
 void addMarkerOptions(QCommandLineParser& parser)
 {
     parser.addOption(markerOption(QStringLiteral("a"),
-                                  QStringLiteral("Marker A in ns from the trigger (default: as stored in the archive).")));
+                                  QStringLiteral("Marker A (--a or -a) in ns from the trigger (default: as\n"
+                                                 "stored in the archive).")));
     parser.addOption(markerOption(QStringLiteral("b"),
-                                  QStringLiteral("Marker B in ns from the trigger (default: as stored in the archive).")));
+                                  QStringLiteral("Marker B (--b or -b) in ns from the trigger (default: as\n"
+                                                 "stored in the archive).")));
 }
 
 int runMeasure(const QStringList& arguments)
@@ -223,7 +225,9 @@ int runMeasure(const QStringList& arguments)
     command.addPositional(QStringLiteral("SHOT"), QStringLiteral("Shot archive."));
     addMarkerOptions(command.parser());
     command.parser().addOption(QCommandLineOption(QStringLiteral("trace"),
-                                                  QStringLiteral("Measure only channel N (repeatable; default: all)."),
+                                                  QStringLiteral("Measure only channel N (repeatable; default: all). Channels\n"
+                                                                 "count from 0 as in the archive; the view's \"Kanal\"\n"
+                                                                 "column shows N + 1."),
                                                   QStringLiteral("N")));
     if (const int status = command.parse(arguments); status >= 0)
         return status;
@@ -285,6 +289,10 @@ int runRender(const QStringList& arguments)
     command.parser().addOption(QCommandLineOption(QStringLiteral("tab"),
                                                   QStringLiteral("time (default) or frequency (the spectra between A and B)."),
                                                   QStringLiteral("time|frequency"), QStringLiteral("time")));
+    command.parser().addOption(QCommandLineOption(QStringLiteral("trace"),
+                                                  QStringLiteral("Channel whose measurements the table shows (default: the\n"
+                                                                 "first); counted from 0 as in the archive."),
+                                                  QStringLiteral("N")));
     if (const int status = command.parse(arguments); status >= 0)
         return status;
     int status = ExitStatus::Success;
@@ -292,6 +300,15 @@ int runRender(const QStringList& arguments)
     if (status != ExitStatus::Success)
         return status;
     RenderCommand::Options options;
+    if (command.parser().isSet(QStringLiteral("trace"))) {
+        bool ok = false;
+        const int channel = command.parser().value(QStringLiteral("trace")).toInt(&ok);
+        if (!ok || channel < 0)
+            return usageError(QStringLiteral("render: --trace needs a channel number, not '%1'")
+                                  .arg(command.parser().value(QStringLiteral("trace"))),
+                              command.command());
+        options.trace = channel;
+    }
     AnalysisCommands::Markers markers;
     if (!markerOptions(command, &markers, &status))
         return status;
@@ -326,7 +343,7 @@ int runRecipe(const QStringList& arguments)
     const QString action = arguments.value(2);
     if (action == QLatin1String("export")) {
         CommandParser command(QStringLiteral("recipe"), QStringLiteral("Write the view recipe of a shot archive."));
-        command.addPositional(QStringLiteral("export"), QString());
+        command.addPositional(QStringLiteral("export"), QStringLiteral("The action."));
         command.addPositional(QStringLiteral("SHOT"), QStringLiteral("Shot archive."));
         command.parser().addOption(outputOption(QStringLiteral("RECIPE"), QStringLiteral("Recipe file to write.")));
         if (const int status = command.parse(arguments); status >= 0)
@@ -340,7 +357,7 @@ int runRecipe(const QStringList& arguments)
     if (action == QLatin1String("apply")) {
         CommandParser command(QStringLiteral("recipe"),
                               QStringLiteral("Apply a view recipe to a shot archive and rewrite it atomically."));
-        command.addPositional(QStringLiteral("apply"), QString());
+        command.addPositional(QStringLiteral("apply"), QStringLiteral("The action."));
         command.addPositional(QStringLiteral("RECIPE"), QStringLiteral("Recipe file."));
         command.addPositional(QStringLiteral("SHOT"), QStringLiteral("Shot archive to change."));
         command.parser().addOption(QCommandLineOption(QStringLiteral("channels-only"),

@@ -6,6 +6,8 @@
 #include "scopecompositionarchive.h"
 #include "scopemarker.h"
 #include "scopeshotarchive.h"
+#include "scopetrace.h"
+#include "scopetracelist.h"
 #include "scopeview.h"
 
 #include <QtCore/QBuffer>
@@ -100,13 +102,23 @@ int RenderCommand::run(const QString& path, const QString& outputPath, const Opt
         settle();
     }
 
-    // The measurement table shows the first trace, as after a click on it.
-    if (auto* list = view->findChild<QTreeWidget*>(QStringLiteral("channelsWidget"))) {
-        QTreeWidgetItem* stripe = list->topLevelItem(0);
-        if (stripe && stripe->childCount() > 0) {
-            list->setCurrentItem(stripe->child(0));
-            settle();
+    // The measurement table shows the chosen trace (the first by default),
+    // as after a click on it in the trace list.
+    if (auto* list = view->findChild<ScopeTraceList*>(QStringLiteral("channelsWidget"))) {
+        bool found = false;
+        for (int stripe = 0; stripe < list->topLevelItemCount() && !found; ++stripe) {
+            QTreeWidgetItem* stripeItem = list->topLevelItem(stripe);
+            for (int row = 0; row < stripeItem->childCount() && !found; ++row) {
+                list->setCurrentItem(stripeItem->child(row));
+                const ScopeTrace* trace = list->currentTrace();
+                found = !options.trace || (trace && trace->number() == *options.trace);
+            }
         }
+        if (!found) {
+            CliIo::printError(QStringLiteral("%1: no such trace: %2").arg(path).arg(*options.trace));
+            return ExitStatus::Failure;
+        }
+        settle();
     }
 
     QWidget* target = view.get();

@@ -19,6 +19,8 @@ public:
         std::optional<qint64> a;
         std::optional<qint64> b;
         Tab tab = Tab::Time;
+        /*! Channel whose measurements the table shows; the first trace when unset. */
+        std::optional<int> trace;
     };
 
     /*! \brief Renders \a path into the PNG \a outputPath; an exit status. */

@@ -225,6 +225,7 @@ void tst_OvScopeCli::badUsage_data()
     QTest::newRow("render without -o") << QStringList{QStringLiteral("render"), shot};
     QTest::newRow("render bad size") << QStringList{QStringLiteral("render"), shot, QStringLiteral("-o"), QStringLiteral("x.png"), QStringLiteral("--size"), QStringLiteral("10x10")};
     QTest::newRow("render size text") << QStringList{QStringLiteral("render"), shot, QStringLiteral("-o"), QStringLiteral("x.png"), QStringLiteral("--size"), QStringLiteral("big")};
+    QTest::newRow("render bad trace") << QStringList{QStringLiteral("render"), shot, QStringLiteral("-o"), QStringLiteral("x.png"), QStringLiteral("--trace"), QStringLiteral("first")};
     QTest::newRow("render bad tab") << QStringList{QStringLiteral("render"), shot, QStringLiteral("-o"), QStringLiteral("x.png"), QStringLiteral("--tab"), QStringLiteral("phase")};
     QTest::newRow("recipe without action") << QStringList{QStringLiteral("recipe")};
     QTest::newRow("recipe unknown action") << QStringList{QStringLiteral("recipe"), QStringLiteral("merge")};
@@ -290,7 +291,12 @@ void tst_OvScopeCli::failures_data()
     QTest::newRow("recipe export missing") << QStringList{QStringLiteral("recipe"), QStringLiteral("export"), missing, QStringLiteral("-o"), scratchPath(QStringLiteral("f6.ovxrecipe"))} << QByteArray("no such file");
     QTest::newRow("recipe apply missing recipe") << QStringList{QStringLiteral("recipe"), QStringLiteral("apply"), missing, shot} << QByteArray("no such file");
     QTest::newRow("recipe apply garbage recipe") << QStringList{QStringLiteral("recipe"), QStringLiteral("apply"), garbage, shot} << QByteArray("matches the recipe");
+#ifdef OVSCOPE_CLI_RENDER
+    QTest::newRow("render no such trace") << QStringList{QStringLiteral("render"), shot, QStringLiteral("-o"), scratchPath(QStringLiteral("f7.png")), QStringLiteral("--trace"), QStringLiteral("9")} << QByteArray("no such trace: 9");
     QTest::newRow("render missing") << QStringList{QStringLiteral("render"), missing, QStringLiteral("-o"), scratchPath(QStringLiteral("f7.png"))} << QByteArray("no such file");
+#else
+    QTest::newRow("render without a view") << QStringList{QStringLiteral("render"), shot, QStringLiteral("-o"), scratchPath(QStringLiteral("f7.png"))} << QByteArray("has no scope view");
+#endif
     QTest::newRow("sample into a file") << QStringList{QStringLiteral("sample"), QStringLiteral("-o"), shot + QStringLiteral("/sub")} << QByteArray("cannot create");
 }
 
@@ -916,6 +922,9 @@ void tst_OvScopeCli::render_data()
                                             << QStringList{QStringLiteral("--size"), QStringLiteral("900x700"), QStringLiteral("--a"),
                                                            QStringLiteral("10000000"), QStringLiteral("--b"), QStringLiteral("30000000")}
                                             << QSize(900, 700);
+    QTest::newRow("shot, table of trace 4") << QStringLiteral("antrieb-sprung.ovxshot")
+                                            << QStringList{QStringLiteral("--trace"), QStringLiteral("4"), QStringLiteral("--size"), QStringLiteral("1000x800")}
+                                            << QSize(1000, 800);
     QTest::newRow("composition") << QStringLiteral("sprungvergleich.ovxcomp") << QStringList{QStringLiteral("--size"), QStringLiteral("1200x900")}
                                  << QSize(1200, 900);
 }
