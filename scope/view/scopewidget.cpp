@@ -5,6 +5,7 @@
 #include "scopelayout.h"
 #include "scopemarker.h"
 #include "scopescene.h"
+#include "scopeshot.h"
 #include "scopestripeswidget.h"
 #include "scopetracefilter.h"
 #include "zoombar.h"
@@ -115,6 +116,42 @@ void ScopeWidgetPrivate::applyBackgroundColor(const QColor& color)
     q->update();
 }
 
+void ScopeWidgetPrivate::invalidateTraceLayer()
+{
+    traceLayerValid = false;
+}
+
+void ScopeWidgetPrivate::paintScene(QPainter* painter)
+{
+    Q_Q(ScopeWidget);
+    const QRect plot = layout->plotArea();
+    const qint64 left = scene->viewLeft();
+    const qint64 right = scene->viewRight();
+    const qreal ratio = q->devicePixelRatioF();
+    if (!traceLayerValid || traceLayerPlot != plot || traceLayerLeft != left || traceLayerRight != right
+        || traceLayer.size() != q->size() * ratio) {
+        if (traceLayer.size() != q->size() * ratio) {
+            traceLayer = QPixmap(q->size() * ratio);
+            traceLayer.setDevicePixelRatio(ratio);
+        }
+        traceLayer.fill(Qt::transparent);
+        if (right > left) {
+            QPainter layerPainter(&traceLayer);
+            const QList<ScopeTrace*> traces = traceFilter->traces();
+            const auto shots = scene->shots();
+            for (const auto& shot : shots)
+                shot->paint(layout, &layerPainter, traces, left, right);
+        }
+        traceLayerValid = true;
+        traceLayerPlot = plot;
+        traceLayerLeft = left;
+        traceLayerRight = right;
+    }
+    painter->drawPixmap(0, 0, traceLayer);
+    // Trigger indicator, markers and cursor: the scene with no traces of its own.
+    scene->paint(q, painter, QList<ScopeTrace*>());
+}
+
 void ScopeWidgetPrivate::setMarkerHere(quint8 which)
 {
     if (!scene || scene->markers().isEmpty())
@@ -194,6 +231,7 @@ ScopeWidget::ScopeWidget(QWidget* parent)
 {
     Q_D(ScopeWidget);
     d->traceFilter = new ScopeTraceFilter(this);
+    connect(d->traceFilter, &ScopeTraceFilter::scopeTracesChanged, d, &ScopeWidgetPrivate::invalidateTraceLayer);
     const QString settingsFile = QSettings().fileName();
     d->settingsWatcher = new QFileSystemWatcher(QStringList(settingsFile), d);
     connect(d->settingsWatcher, &QFileSystemWatcher::fileChanged, d, &ScopeWidgetPrivate::onSettingChanged);
@@ -243,8 +281,11 @@ void ScopeWidget::setStripesWidget(ScopeStripesWidget* stripesWidget)
     Q_D(ScopeWidget);
     d->stripesWidget = stripesWidget;
     d->scene = stripesWidget ? stripesWidget->scene() : nullptr;
-    if (d->scene)
+    if (d->scene) {
+        // Every change of a trace (also each animation frame) reaches the scene.
+        connect(d->scene, &ScopeScene::sceneChanged, d, &ScopeWidgetPrivate::invalidateTraceLayer);
         connect(d->scene, &ScopeScene::sceneChanged, this, qOverload<>(&QWidget::update));
+    }
 }
 
 ScopeStripesWidget* ScopeWidget::stripesWidget() const
@@ -323,7 +364,7 @@ void ScopeWidget::paintEvent(QPaintEvent*)
     d->layout->setGeometry(rect());
     d->paintFrame(&painter);
     if (d->scene)
-        d->scene->paint(this, &painter, d->traceFilter->traces());
+        d->paintScene(&painter);
 }
 
 void ScopeWidget::mousePressEvent(QMouseEvent* event)

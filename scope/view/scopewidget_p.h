@@ -5,7 +5,9 @@
 
 #include <QtCore/QObject>
 #include <QtCore/QPoint>
+#include <QtCore/QRect>
 #include <QtCore/QString>
+#include <QtGui/QPixmap>
 
 class QFileSystemWatcher;
 class QMenu;
@@ -26,6 +28,8 @@ public:
     void applyBackgroundColor(const QColor& color);
     void goToMarker(quint8 which);
     void setMarkerHere(quint8 which);
+    void paintScene(QPainter* painter);
+    void invalidateTraceLayer();
 
     QString name;
     QFileSystemWatcher* settingsWatcher = nullptr;
@@ -39,6 +43,14 @@ public:
     QPoint contextMenuPosition;
     bool suppressContextMenu = false;
     ScopeWidget* q_ptr = nullptr;
+
+    // The traces drawn once per view range, size and trace state: dragging a
+    // marker or the quick-measure cursor only draws them over this layer.
+    QPixmap traceLayer;
+    bool traceLayerValid = false;
+    QRect traceLayerPlot;
+    qint64 traceLayerLeft = 0;
+    qint64 traceLayerRight = 0;
 
 public Q_SLOTS:
     void showContextMenu(const QPoint& position);
