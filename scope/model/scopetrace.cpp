@@ -481,7 +481,9 @@ static QString decimalText(double v, int d)
 {
     QString text;
     const double magnitude = std::fabs(v);
-    if ((magnitude >= 0.001 && magnitude <= 9999999.4) || v == 0.0) {
+    if (!std::isfinite(v)) {
+        text = QString::asprintf("%f", v);
+    } else if ((magnitude >= 0.001 && magnitude <= 9999999.4) || v == 0.0) {
         text = QString::asprintf("%.*f", d, v);
     } else {
         int e = int(std::trunc(std::log10(magnitude)));

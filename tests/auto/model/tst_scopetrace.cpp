@@ -775,7 +775,8 @@ void tst_ScopeTrace::extents()
     trace.zoomIn(std::numeric_limits<qint64>::min());
     trace.zoomOut();
     trace.setPhysicalDatatype(float32Type);
-    QCOMPARE(trace.valueText(std::numeric_limits<double>::infinity(), false).isEmpty(), false);
+    QCOMPARE(trace.valueText(std::numeric_limits<double>::infinity(), false), QStringLiteral("inf"));
+    QCOMPARE(trace.valueText(-std::numeric_limits<double>::infinity(), false), QStringLiteral("-inf"));
     trace.valueText(std::numeric_limits<double>::max(), true);
     trace.valueText(-std::numeric_limits<double>::denorm_min(), true);
     ScopeLayout layout;
