@@ -145,6 +145,7 @@ QPair<double, double> FrequencyPlotChartPrivate::yRange() const
 
 void FrequencyPlotChartPrivate::installXAxis(bool logarithmic)
 {
+    clearSeries();
     chart->zoomReset();
     linearX = !logarithmic;
     const QPair<double, double> range = xRange();
@@ -154,6 +155,8 @@ void FrequencyPlotChartPrivate::installXAxis(bool logarithmic)
         auto* logAxis = new FrequencyPlotAxis;
         logAxis->setLabelFormat(format);
         logAxis->setRange(range.first, range.second);
+        connect(logAxis, &QLogValueAxis::minChanged, this, &FrequencyPlotChartPrivate::onXRangeChanging);
+        connect(logAxis, &QLogValueAxis::maxChanged, this, &FrequencyPlotChartPrivate::onXRangeChanging);
         connect(logAxis, &QLogValueAxis::rangeChanged, this, &FrequencyPlotChartPrivate::xChangeRange);
         axis = logAxis;
     } else {
@@ -162,6 +165,8 @@ void FrequencyPlotChartPrivate::installXAxis(bool logarithmic)
         linearAxis->setTickCount(9);
         linearAxis->setGridLineColor(QColor(128, 128, 128));
         linearAxis->setRange(range.first, range.second);
+        connect(linearAxis, &QValueAxis::minChanged, this, &FrequencyPlotChartPrivate::onXRangeChanging);
+        connect(linearAxis, &QValueAxis::maxChanged, this, &FrequencyPlotChartPrivate::onXRangeChanging);
         connect(linearAxis, &QValueAxis::rangeChanged, this, &FrequencyPlotChartPrivate::xChangeRange);
         axis = linearAxis;
     }
@@ -180,6 +185,7 @@ void FrequencyPlotChartPrivate::installXAxis(bool logarithmic)
 
 void FrequencyPlotChartPrivate::installYAxis(bool logarithmic)
 {
+    clearSeries();
     chart->zoomReset();
     logarithmicY = logarithmic;
     const QPair<double, double> range = yRange();
@@ -227,22 +233,50 @@ void FrequencyPlotChartPrivate::attachSeries()
     }
 }
 
+// Every change of points or axes makes the chart lay out all series again,
+// which costs far more than finding the points. So series are emptied before
+// the axes change and filled once afterwards; hidden series stay empty.
 void FrequencyPlotChartPrivate::setRanges()
 {
     settingRanges = true;
+    clearSeries();
     const QPair<double, double> x = xRange();
-    const QPair<double, double> y = yRange();
     horizontalScrollbar->setBase(x.first, x.second);
-    verticalScrollbar->setBase(y.first, y.second);
     if (QAbstractAxis* horizontal = axis(Qt::Horizontal))
         horizontal->setRange(x.first, x.second);
+    horizontalScrollbar->moveSlider(x.first, x.second);
+
+    // Finding the points scans every amplitude of the (whole) frequency
+    // range and leaves the extremes that the amplitude range needs.
+    QList<QList<QPointF>> reduced;
+    reduced.reserve(traceOrder.size());
+    const int pixelColumns = columns();
+    for (FrequencyPlotTrace* plotTrace : std::as_const(traceOrder)) {
+        reduced.append(plotTrace->trace()->isHidden()
+                           ? QList<QPointF>()
+                           : plotTrace->points(x.first, x.second, !linearX, logarithmicY, pixelColumns));
+    }
+
+    const QPair<double, double> y = yRange();
+    verticalScrollbar->setBase(y.first, y.second);
     if (QAbstractAxis* vertical = axis(Qt::Vertical))
         vertical->setRange(y.first, y.second);
-    horizontalScrollbar->moveSlider(x.first, x.second);
     verticalScrollbar->moveSlider(y.first, y.second);
     settingRanges = false;
-    rebuildSeries();
+
+    for (qsizetype i = 0; i < traceOrder.size(); ++i) {
+        if (!reduced.at(i).isEmpty())
+            traceOrder.at(i)->series()->replace(reduced.at(i));
+    }
     Q_EMIT scrolled();
+}
+
+void FrequencyPlotChartPrivate::clearSeries()
+{
+    for (FrequencyPlotTrace* plotTrace : std::as_const(traceOrder)) {
+        if (plotTrace->series()->count() > 0)
+            plotTrace->series()->clear();
+    }
 }
 
 void FrequencyPlotChartPrivate::rebuildSeries()
@@ -252,8 +286,14 @@ void FrequencyPlotChartPrivate::rebuildSeries()
         return;
     const QPair<double, double> range = rangeOf(horizontal);
     const int pixelColumns = columns();
-    for (FrequencyPlotTrace* plotTrace : std::as_const(traceOrder))
+    for (FrequencyPlotTrace* plotTrace : std::as_const(traceOrder)) {
+        if (plotTrace->trace()->isHidden()) {
+            if (plotTrace->series()->count() > 0)
+                plotTrace->series()->clear();
+            continue;
+        }
         plotTrace->rebuild(range.first, range.second, !linearX, logarithmicY, pixelColumns);
+    }
 }
 
 void FrequencyPlotChartPrivate::scrollInXDir(double low, double high)
@@ -263,6 +303,7 @@ void FrequencyPlotChartPrivate::scrollInXDir(double low, double high)
         return;
     // Blocked, so that the axis's rangeChanged does not drive the bar back.
     horizontal->blockSignals(true);
+    clearSeries();
     horizontal->setRange(low, high);
     rebuildSeries();
     Q_EMIT scrolled();
@@ -286,6 +327,14 @@ void FrequencyPlotChartPrivate::xChangeRange(qreal newMin, qreal newMax)
         return;
     rebuildSeries();
     Q_EMIT scrolled();
+}
+
+void FrequencyPlotChartPrivate::onXRangeChanging()
+{
+    // The axis announces its new ends before the chart lays the series out
+    // for them: the points of the old window would be laid out in vain.
+    if (!settingRanges)
+        clearSeries();
 }
 
 void FrequencyPlotChartPrivate::yChangeRange(qreal newMin, qreal newMax)

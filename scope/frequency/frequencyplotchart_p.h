@@ -24,6 +24,7 @@ public:
     void attachSeries();
     void setRanges();
     void rebuildSeries();
+    void clearSeries();
     int columns() const;
     QAbstractAxis* axis(Qt::Orientation orientation) const;
 
@@ -54,5 +55,6 @@ public Q_SLOTS:
     void onVisibiliyChanged();
 
     void onUpdateAmplitudes();
+    void onXRangeChanging();
     void onPlotAreaChanged(const QRectF& plotArea);
 };

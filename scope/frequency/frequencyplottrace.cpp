@@ -38,12 +38,6 @@ FrequencyPlotTrace::FrequencyPlotTrace(FrequencyTrace* trace, QObject* parent)
     , m_trace(trace)
     , m_series(new QLineSeries(this))
 {
-    for (int from = 0; from < 2; ++from) {
-        for (int positive = 0; positive < 2; ++positive) {
-            m_min[from][positive] = notANumber;
-            m_max[from][positive] = notANumber;
-        }
-    }
     if (trace) {
         m_series->setName(trace->name());
         m_series->setColor(trace->color());
@@ -66,40 +60,31 @@ void FrequencyPlotTrace::setAmplitudes(const QVector<double>& amplitudes, double
 {
     m_amplitudes = amplitudes;
     m_resolution = resolution;
+    // Extremes are found on the next full scan (usually the next rebuild).
+    m_extremes[0] = Extremes();
+    m_extremes[1] = Extremes();
+}
 
+const FrequencyPlotTrace::Extremes& FrequencyPlotTrace::extremes(bool positiveOnly) const
+{
+    Extremes& cached = m_extremes[positiveOnly ? 1 : 0];
+    if (cached.valid)
+        return cached;
+    const double floor = positiveOnly ? 0.0 : -1.0;
     double minimum = DBL_MAX;
-    double maximum = -DBL_MAX;
-    double minimumPositive = DBL_MAX;
+    double maximum = floor;
     const double* values = m_amplitudes.constData();
-    const qsizetype count = m_amplitudes.size();
-    for (qsizetype i = 1; i < count; ++i) {
+    for (qsizetype i = 1; i < m_amplitudes.size(); ++i) {
         const double value = std::abs(values[i]);
-        if (!(value <= DBL_MAX))
-            continue;
-        minimum = std::min(minimum, value);
-        maximum = std::max(maximum, value);
-        if (value > 0.0)
-            minimumPositive = std::min(minimumPositive, value);
+        if (value > maximum && value <= DBL_MAX)
+            maximum = value;
+        if (value < minimum && value > floor)
+            minimum = value;
     }
-    const auto orNaN = [](double value) { return std::abs(value) == DBL_MAX ? notANumber : value; };
-    m_min[1][0] = orNaN(minimum);
-    m_max[1][0] = orNaN(maximum);
-    m_min[1][1] = orNaN(minimumPositive);
-    m_max[1][1] = maximum > 0.0 ? orNaN(maximum) : notANumber;
-
-    if (count > 0) {
-        const double first = std::abs(values[0]);
-        if (first <= DBL_MAX) {
-            minimum = std::min(minimum, first);
-            maximum = std::max(maximum, first);
-            if (first > 0.0)
-                minimumPositive = std::min(minimumPositive, first);
-        }
-    }
-    m_min[0][0] = orNaN(minimum);
-    m_max[0][0] = orNaN(maximum);
-    m_min[0][1] = orNaN(minimumPositive);
-    m_max[0][1] = maximum > 0.0 ? orNaN(maximum) : notANumber;
+    cached.valid = true;
+    cached.minimum = maximum > floor ? minimum : notANumber;
+    cached.maximum = maximum > floor ? maximum : notANumber;
+    return cached;
 }
 
 QVector<double> FrequencyPlotTrace::amplitudes() const
@@ -114,18 +99,40 @@ double FrequencyPlotTrace::resolution() const
 
 double FrequencyPlotTrace::minAmplitude(int from, bool positiveOnly) const
 {
-    return m_min[from > 0 ? 1 : 0][positiveOnly ? 1 : 0];
+    double minimum = extremes(positiveOnly).minimum;
+    if (from <= 0 && !m_amplitudes.isEmpty()) {
+        const double first = std::abs(m_amplitudes.constFirst());
+        if (plottable(first, positiveOnly) && !(first >= minimum))
+            minimum = first;
+    }
+    return minimum;
 }
 
 double FrequencyPlotTrace::maxAmplitude(int from, bool positiveOnly) const
 {
-    return m_max[from > 0 ? 1 : 0][positiveOnly ? 1 : 0];
+    double maximum = extremes(positiveOnly).maximum;
+    if (from <= 0 && !m_amplitudes.isEmpty()) {
+        const double first = std::abs(m_amplitudes.constFirst());
+        if (plottable(first, positiveOnly) && !(first <= maximum))
+            maximum = first;
+    }
+    return maximum;
 }
 
 void FrequencyPlotTrace::rebuild(double xMin, double xMax, bool xLogarithmic, bool yLogarithmic, int pixelColumns)
 {
-    m_series->replace(reducedPoints(m_amplitudes, m_resolution, xMin, xMax, xLogarithmic, yLogarithmic,
-                                    pixelColumns));
+    m_series->replace(points(xMin, xMax, xLogarithmic, yLogarithmic, pixelColumns));
+}
+
+QList<QPointF> FrequencyPlotTrace::points(double xMin, double xMax, bool xLogarithmic, bool yLogarithmic,
+                                          int pixelColumns) const
+{
+    Extremes scanned;
+    QList<QPointF> reduced = reduce(m_amplitudes, m_resolution, xMin, xMax, xLogarithmic, yLogarithmic,
+                                    pixelColumns, &scanned);
+    if (scanned.valid)
+        m_extremes[yLogarithmic ? 1 : 0] = scanned;
+    return reduced;
 }
 
 QList<QPointF> FrequencyPlotTrace::allPoints(const QVector<double>& amplitudes, double resolution, bool yLogarithmic)
@@ -146,6 +153,13 @@ QList<QPointF> FrequencyPlotTrace::reducedPoints(const QVector<double>& amplitud
                                                  double xMin, double xMax, bool xLogarithmic,
                                                  bool yLogarithmic, int pixelColumns)
 {
+    return reduce(amplitudes, resolution, xMin, xMax, xLogarithmic, yLogarithmic, pixelColumns, nullptr);
+}
+
+QList<QPointF> FrequencyPlotTrace::reduce(const QVector<double>& amplitudes, double resolution, double xMin,
+                                          double xMax, bool xLogarithmic, bool yLogarithmic, int pixelColumns,
+                                          Extremes* extremes)
+{
     QList<QPointF> points;
     const qint64 count = amplitudes.size();
     if (count < 2 || !(resolution > 0.0) || !(resolution <= DBL_MAX))
@@ -163,7 +177,7 @@ QList<QPointF> FrequencyPlotTrace::reducedPoints(const QVector<double>& amplitud
         points.append(QPointF(double(index) * resolution, std::abs(values[index])));
     };
 
-    // Visible points first .. last; first > last when none is visible.
+    // Visible points first .. lastVisible; first > lastVisible when none is.
     const qint64 first = indexAtOrAbove(xMin, resolution, 1, count);
     const double lastIndex = std::floor(xMax / resolution);
     const qint64 lastVisible = lastIndex >= double(count - 1) ? count - 1
@@ -173,12 +187,22 @@ QList<QPointF> FrequencyPlotTrace::reducedPoints(const QVector<double>& amplitud
     if (first - 1 >= 1 && plottable(std::abs(values[first - 1]), yLogarithmic))
         append(first - 1);
 
+    // Plottable values lie above `floor` (0 on a logarithmic amplitude axis)
+    // and are finite; NaN fails every comparison below.
+    const double floor = yLogarithmic ? 0.0 : -1.0;
+    double overallMinimum = DBL_MAX;
+    double overallMaximum = floor;
+
     const qint64 visible = lastVisible - first + 1;
     if (visible > 0 && (pixelColumns <= 0 || visible <= 2 * qint64(pixelColumns))) {
         points.reserve(points.size() + visible + 1);
         for (qint64 i = first; i <= lastVisible; ++i) {
-            if (plottable(std::abs(values[i]), yLogarithmic))
+            const double value = std::abs(values[i]);
+            if (plottable(value, yLogarithmic)) {
                 append(i);
+                overallMinimum = std::min(overallMinimum, value);
+                overallMaximum = std::max(overallMaximum, value);
+            }
         }
     } else if (visible > 0) {
         points.reserve(2 * pixelColumns + 2);
@@ -193,19 +217,19 @@ QList<QPointF> FrequencyPlotTrace::reducedPoints(const QVector<double>& amplitud
                                                  : xMin + step * (column + 1);
                 end = indexAtOrAbove(edge, resolution, start, lastVisible + 1);
             }
+            // This loop sees every amplitude of the window; new extremes are
+            // rare, so the branches predict well.
             qint64 minimumIndex = -1;
             qint64 maximumIndex = -1;
             double minimum = DBL_MAX;
-            double maximum = -1.0;
+            double maximum = floor;
             for (qint64 i = start; i < end; ++i) {
                 const double value = std::abs(values[i]);
-                if (!plottable(value, yLogarithmic))
-                    continue;
-                if (value > maximum) {
+                if (value > maximum && value <= DBL_MAX) {
                     maximum = value;
                     maximumIndex = i;
                 }
-                if (value < minimum) {
+                if (value < minimum && value > floor) {
                     minimum = value;
                     minimumIndex = i;
                 }
@@ -217,6 +241,8 @@ QList<QPointF> FrequencyPlotTrace::reducedPoints(const QVector<double>& amplitud
                     append(std::min(minimumIndex, maximumIndex));
                     append(std::max(minimumIndex, maximumIndex));
                 }
+                overallMinimum = std::min(overallMinimum, minimum);
+                overallMaximum = std::max(overallMaximum, maximum);
             }
             start = end;
         }
@@ -225,5 +251,12 @@ QList<QPointF> FrequencyPlotTrace::reducedPoints(const QVector<double>& amplitud
     if (lastVisible + 1 <= count - 1 && lastVisible + 1 >= 1
         && plottable(std::abs(values[lastVisible + 1]), yLogarithmic))
         append(lastVisible + 1);
+
+    // A scan over every point above 0 Hz gives the extremes for free.
+    if (extremes && first == 1 && lastVisible == count - 1) {
+        extremes->valid = true;
+        extremes->minimum = overallMaximum > floor ? overallMinimum : notANumber;
+        extremes->maximum = overallMaximum > floor ? overallMaximum : notANumber;
+    }
     return points;
 }

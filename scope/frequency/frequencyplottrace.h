@@ -44,6 +44,8 @@ public:
     /*! \brief Refills the series for the frequency window [\a xMin, \a xMax]
         drawn over \a pixelColumns columns. */
     void rebuild(double xMin, double xMax, bool xLogarithmic, bool yLogarithmic, int pixelColumns);
+    /*! \brief The points that rebuild() would put into the series. */
+    QList<QPointF> points(double xMin, double xMax, bool xLogarithmic, bool yLogarithmic, int pixelColumns) const;
 
     /*! \brief Every plottable point (i × resolution, |a[i]|), i ≥ 1. */
     static QList<QPointF> allPoints(const QVector<double>& amplitudes, double resolution, bool yLogarithmic);
@@ -53,11 +55,20 @@ public:
                                         bool yLogarithmic, int pixelColumns);
 
 private:
+    struct Extremes
+    {
+        bool valid = false;
+        double minimum = 0.0;
+        double maximum = 0.0;
+    };
+    static QList<QPointF> reduce(const QVector<double>& amplitudes, double resolution, double xMin, double xMax,
+                                 bool xLogarithmic, bool yLogarithmic, int pixelColumns, Extremes* extremes);
+    const Extremes& extremes(bool positiveOnly) const;
+
     FrequencyTrace* m_trace;
     QLineSeries* m_series;
     QVector<double> m_amplitudes;
     double m_resolution = 0.0;
-    // Extremes cached per amplitude list: [from 0, from 1], all / positive only.
-    double m_min[2][2];
-    double m_max[2][2];
+    // Extremes of the points above 0 Hz, all finite / positive only.
+    mutable Extremes m_extremes[2];
 };
