@@ -19,11 +19,13 @@
 #include "scopestripeswidget.h"
 #include "scopetimewidget.h"
 #include "scopetracecalculatorwidget.h"
+#include "scopetofrequencyview.h"
 #include "scopetrace.h"
 #include "scopetracefilter.h"
 #include "scopetracelist.h"
 #include "scopetracewidget.h"
 #include "scopewidget.h"
+#include "traceinformationimplemention.h"
 #include "zoombar.h"
 
 #include <QtCore/QSettings>
@@ -193,12 +195,31 @@ void ScopeViewImplementationPrivate::finishShowing()
     ui->setElementPublicButton->setEnabled(true);
 }
 
-void ScopeViewImplementationPrivate::setUpFrequencyAnalysis(ScopeShot*)
+void ScopeViewImplementationPrivate::setUpFrequencyAnalysis(ScopeShot* shot)
 {
-    // The frequency panel takes the page's place once it exists; until then
-    // the page itself marks the place of the analysis.
-    if (ui->ViewModeTabWidget->indexOf(ui->Frequenzanalyse) < 0)
+    Q_Q(ScopeViewImplementation);
+    QList<QSharedPointer<TraceInformation>> traces;
+    const QList<int> channels = shot->channelNumbers();
+    for (int channel : channels) {
+        if (ScopeTrace* trace = shot->trace(channel))
+            traces.append(QSharedPointer<TraceInformation>(new TraceInformationImplemention(trace)));
+    }
+    // The panel needs a trace for its sampling period; a recording without
+    // traces keeps the empty page in the panel's place.
+    if (traces.isEmpty() || scene->markers().isEmpty()) {
         ui->ViewModeTabWidget->addTab(ui->Frequenzanalyse, tr("Frequenzanalyse"));
+        return;
+    }
+    auto* panel = new ScopeToFrequencyView(traces);
+    frequencyView = panel;
+    ui->ViewModeTabWidget->addTab(panel, tr("Frequenzanalyse"));
+    ScopeMarker* marker = scene->markers().constFirst();
+    connect(marker, &ScopeMarker::timePositionChanged, panel, &ScopeToFrequencyView::onMarkerTimePositionChanged);
+    panel->onMarkerTimePositionChanged(0, marker->position(0));
+    panel->onMarkerTimePositionChanged(1, marker->position(1));
+    connect(panel, &ScopeToFrequencyView::windowFunctionChanged, marker, &ScopeMarker::onWindowFunktionChanged);
+    connect(panel, &ScopeToFrequencyView::newFrequencyViewCreated, q,
+            &ScopeViewImplementation::onNewFrequencyViewCreated);
 }
 
 void ScopeViewImplementationPrivate::saveViewState()
@@ -303,8 +324,8 @@ void ScopeViewImplementation::clearScopeElement()
     d->ui->scopeStripesWidget->clear();
     d->shots.clear();
     delete d->frequencyView.data();
-    if (d->ui->ViewModeTabWidget->indexOf(d->ui->Frequenzanalyse) >= 0)
-        d->ui->ViewModeTabWidget->removeTab(d->ui->ViewModeTabWidget->indexOf(d->ui->Frequenzanalyse));
+    while (d->ui->ViewModeTabWidget->count() > 1)
+        d->ui->ViewModeTabWidget->removeTab(1);
     d->ui->channelWidget->setScopeTrace(nullptr);
     d->ui->measureWidget->onScopeTraceSelected(nullptr);
     d->scopeShotArchive = nullptr;

@@ -8,6 +8,7 @@
 #include "scopeshotarchive.h"
 #include "scopestripesassignmentwidget.h"
 #include "scopestripeswidget.h"
+#include "scopetofrequencyview.h"
 #include "scopetrace.h"
 #include "scopetracecalculatorwidget.h"
 #include "scopetracefilter.h"
@@ -155,6 +156,7 @@ private Q_SLOTS:
     void externalButtons();
     void clearAndSwitch();
     void quickMeasureInTraceList();
+    void frequencyAnalysis();
     void nothingIsLostInAShot();
     void compositionWithoutLayout();
     void nothingIsLostInAComposition();
@@ -429,6 +431,47 @@ void tst_ScopeView::quickMeasureInTraceList()
     QTRY_VERIFY(traceItem(list, QStringLiteral("Kanal 3"))->text(1) != text);
     QTest::mouseRelease(stripe, Qt::LeftButton, Qt::NoModifier, position + QPoint(100, 0));
     QTRY_COMPARE(list->headerItem()->text(1), QStringLiteral("Messwert"));
+}
+
+void tst_ScopeView::frequencyAnalysis()
+{
+    Host host;
+    std::unique_ptr<ScopeView> view(ScopeView::create(nullptr, &host.repository));
+    view->resize(1100, 900);
+    view->show();
+    QVERIFY(QTest::qWaitForWindowExposed(view.get()));
+    auto* archive = ScopeShotArchive::create(view.get());
+    archive->createFromReadOut(readOut(3, 1024, 100, "62.5"));
+    host.track(archive);
+    view->setScopeElement(archive);
+    auto* tabs = child<QTabWidget>(view.get(), "ViewModeTabWidget");
+    QCOMPARE(tabs->count(), 2);
+    auto* panel = qobject_cast<ScopeToFrequencyView*>(tabs->widget(1));
+    QVERIFY(panel);
+    ScopeMarker* marker = stripesOf(view.get())->scene()->markers().constFirst();
+    QCOMPARE(panel->markerATime(), marker->position(0));
+    QCOMPARE(panel->markerBTime(), marker->position(1));
+    marker->setPosition(0, -62500 * 50);
+    marker->setPosition(1, 62500 * 500);
+    QCOMPARE(panel->markerATime(), qint64(-62500 * 50));
+    QCOMPARE(panel->markerBTime(), qint64(62500 * 500));
+
+    // "Anwenden" makes the frequency view, which the host hears of.
+    QSignalSpy created(view.get(), &ScopeView::widgetCreated);
+    tabs->setCurrentIndex(1);
+    auto* apply = panel->findChild<QPushButton*>(QStringLiteral("applyButton"));
+    QVERIFY(apply);
+    QTest::mouseClick(apply, Qt::LeftButton);
+    QTRY_COMPARE(created.count(), 1);
+    QCOMPARE(created.at(0).at(0).value<ScopeView*>(), view.get());
+    QPointer<QWidget> frequencyView = created.at(0).at(1).value<QWidget*>();
+    QVERIFY(frequencyView);
+    delete frequencyView.data();
+
+    // Clearing removes the panel; the tab bar hides again.
+    view->clearScopeElement();
+    QCOMPARE(tabs->count(), 1);
+    QTRY_VERIFY(!tabs->tabBar()->isVisible());
 }
 
 void tst_ScopeView::nothingIsLostInAShot()
