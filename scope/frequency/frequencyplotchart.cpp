@@ -365,9 +365,12 @@ void FrequencyPlotChartPrivate::onUpdateAmplitudes()
 
 void FrequencyPlotChartPrivate::onPlotAreaChanged(const QRectF& plotArea)
 {
-    if (plotArea.width() == lastPlotWidth)
+    // Axis labels of another width move the plot's edge by a few pixels at
+    // every zoom; the series are only worth rebuilding for a real resize.
+    const qreal width = plotArea.width();
+    if (lastPlotWidth > 0.0 && std::abs(width - lastPlotWidth) <= std::max<qreal>(4.0, lastPlotWidth * 0.02))
         return;
-    lastPlotWidth = plotArea.width();
+    lastPlotWidth = width;
     rebuildSeries();
 }
 
