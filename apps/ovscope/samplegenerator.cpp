@@ -567,6 +567,15 @@ QByteArray SampleGenerator::composition() const
     return compositionOf(step.get(), soft.get());
 }
 
+std::unique_ptr<ScopeShotArchive> SampleGenerator::identityOf(ScopeShotArchive* archive)
+{
+    IniParser document;
+    document.findOrCreateSection(ScopeArchiveKeys::ArchiveSection)->setValue(ScopeArchiveKeys::Id, archive->id());
+    std::unique_ptr<ScopeShotArchive> identity(ScopeShotArchive::create(nullptr));
+    identity->fromByteArray(document.getIniTextWithoutByteOrderMarker());
+    return identity;
+}
+
 QByteArray SampleGenerator::compositionOf(ScopeShotArchive* step, ScopeShotArchive* soft)
 {
     if (!step || !soft)
@@ -615,21 +624,28 @@ bool SampleGenerator::writeAll(const QString& folder, QStringList* written, QStr
         written->append(path);
         return true;
     };
-    // The two steps stay in memory for the composition that refers to them.
     const QString stepFile = baseName(Recording::Step) + QLatin1String(".ovxshot");
     const QString softFile = baseName(Recording::SoftStep) + QLatin1String(".ovxshot");
     const QString phaseFile = baseName(Recording::PhaseCurrents) + QLatin1String(".ovxshot");
     const QString readOutFile = baseName(Recording::Braking) + QLatin1String(".ovxreadout");
     const QString compositionFile = QStringLiteral("sprungvergleich.ovxcomp");
-    const std::unique_ptr<ScopeShotArchive> step = makeShotArchive(Recording::Step);
-    const std::unique_ptr<ScopeShotArchive> soft = makeShotArchive(Recording::SoftStep);
-    if (!step || !soft) {
-        *error = QStringLiteral("%1: the library refused the recording").arg(stepFile);
-        return false;
+
+    // One big recording in memory at a time: the composition only needs the
+    // identities of the two steps, kept in archives of their own.
+    std::unique_ptr<ScopeShotArchive> identities[2];
+    const Recording steps[2] = {Recording::Step, Recording::SoftStep};
+    const QString stepFiles[2] = {stepFile, softFile};
+    for (int i = 0; i < 2; ++i) {
+        const std::unique_ptr<ScopeShotArchive> archive = makeShotArchive(steps[i]);
+        if (!archive) {
+            *error = QStringLiteral("%1: the library refused the recording").arg(stepFiles[i]);
+            return false;
+        }
+        if (!kept(stepFiles[i]) && !write(stepFiles[i], archive->toByteArray()))
+            return false;
+        identities[i] = identityOf(archive.get());
     }
-    return (kept(stepFile) || write(stepFile, step->toByteArray()))
-        && (kept(softFile) || write(softFile, soft->toByteArray()))
-        && (kept(phaseFile) || write(phaseFile, shotArchive(Recording::PhaseCurrents)))
+    return (kept(phaseFile) || write(phaseFile, shotArchive(Recording::PhaseCurrents)))
         && (kept(readOutFile) || write(readOutFile, readOut(Recording::Braking)))
-        && (kept(compositionFile) || write(compositionFile, compositionOf(step.get(), soft.get())));
+        && (kept(compositionFile) || write(compositionFile, compositionOf(identities[0].get(), identities[1].get())));
 }

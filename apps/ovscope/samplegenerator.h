@@ -69,6 +69,8 @@ public:
 
 private:
     std::unique_ptr<ScopeShotArchive> makeShotArchive(Recording recording) const;
+    /*! A small archive with nothing but the ID of \a archive. */
+    static std::unique_ptr<ScopeShotArchive> identityOf(ScopeShotArchive* archive);
     static QByteArray compositionOf(ScopeShotArchive* step, ScopeShotArchive* soft);
 
     qint64 m_frames;
