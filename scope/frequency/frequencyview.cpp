@@ -13,6 +13,8 @@
 #include "traceinformation.h"
 #include "ui_frequencyview.h"
 
+#include <algorithm>
+
 FrequencyViewPrivate::FrequencyViewPrivate(FrequencyView* q)
     : QObject(q)
     , q_ptr(q)
@@ -104,6 +106,12 @@ void FrequencyView::setData(const QList<QSharedPointer<TraceInformation>>& trace
     d->ui->lowerLayout->addWidget(d->adjustmentWidget);
     d->spacer = new QSpacerItem(40, 20, QSizePolicy::Expanding, QSizePolicy::Minimum);
     d->ui->lowerLayout->addItem(d->spacer);
+
+    // The chart takes every extra pixel; the lists keep room for their texts.
+    const QList<int> sizes = d->ui->splitter_2->sizes();
+    const int wanted = std::max(d->ui->splitter->sizeHint().width(), 240);
+    if (sizes.size() == 2 && sizes.at(1) < wanted && sizes.at(0) + sizes.at(1) > 2 * wanted)
+        d->ui->splitter_2->setSizes({sizes.at(0) + sizes.at(1) - wanted, wanted});
 }
 
 FrequencySpectrum* FrequencyView::spectrum() const

@@ -105,7 +105,6 @@ void ScopeToFrequencyViewPrivate::update()
 
 void ScopeToFrequencyViewPrivate::onApplyChanges()
 {
-    Q_Q(ScopeToFrequencyView);
     const QList<QSharedPointer<TraceInformation>> analysed = traces;
     if (analysed.isEmpty() || !analysed.constFirst())
         return;
@@ -132,7 +131,6 @@ void ScopeToFrequencyViewPrivate::onApplyChanges()
 
     ui->applyButton->setEnabled(false);
     ui->applyButton->setToolTip(ScopeToFrequencyView::tr("Anzeige entspricht der Auswahl"));
-    Q_UNUSED(q);
 }
 
 void ScopeToFrequencyViewPrivate::onWindowFunktionComboBoxIndexChanged(int index)
