@@ -40,10 +40,13 @@ public:
     bool operator<(const QTreeWidgetItem& other) const override
     {
         if (!parent() && !other.parent()) {
-            const bool less = data(NameColumn, stripeOrderRole).toInt() < other.data(NameColumn, stripeOrderRole).toInt();
+            const int order = data(NameColumn, stripeOrderRole).toInt();
+            const int otherOrder = other.data(NameColumn, stripeOrderRole).toInt();
             const QTreeWidget* tree = treeWidget();
             const bool descending = tree && tree->header()->sortIndicatorOrder() == Qt::DescendingOrder;
-            return descending ? !less : less;
+            // A descending sort asks "other < this": answer so that the
+            // result is the container's order either way.
+            return descending ? otherOrder < order : order < otherOrder;
         }
         return QTreeWidgetItem::operator<(other);
     }
