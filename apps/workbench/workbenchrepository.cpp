@@ -83,11 +83,11 @@ bool WorkbenchRepositoryPrivate::writeFile(const QString& path, const QByteArray
     return true;
 }
 
-WorkbenchRepositoryPrivate::Entry WorkbenchRepositoryPrivate::load(const QString& path)
+WorkbenchRepositoryPrivate::Entry WorkbenchRepositoryPrivate::load(const QString& path, QByteArray* bytesOut)
 {
     Q_Q(WorkbenchRepository);
     Entry entry;
-    QByteArray bytes;
+    QByteArray& bytes = *bytesOut;
     if (!readFile(path, &bytes, &entry.error))
         return entry;
     ScopeElementArchive* archive = nullptr;
@@ -106,13 +106,19 @@ WorkbenchRepositoryPrivate::Entry WorkbenchRepositoryPrivate::load(const QString
     return entry;
 }
 
-void WorkbenchRepositoryPrivate::adopt(const QString& path, ScopeElementArchive* archive)
+QPair<qsizetype, size_t> WorkbenchRepositoryPrivate::fingerprint(const QByteArray& bytes)
+{
+    return qMakePair(bytes.size(), qHash(bytes, 0x4f76u));
+}
+
+void WorkbenchRepositoryPrivate::adopt(const QString& path, ScopeElementArchive* archive, const QByteArray& bytes)
 {
     Entry entry;
     entry.archive = archive;
     entries.insert(path, entry);
     if (!archive)
         return;
+    stored.insert(archive, fingerprint(bytes));
     connect(archive, &ScopeElementArchive::scopeElementChanged, this, &WorkbenchRepositoryPrivate::onArchiveChanged);
     connect(archive, &ScopeElementArchive::scopeElementsChanged, this, &WorkbenchRepositoryPrivate::onArchiveChanged);
 }
@@ -127,6 +133,7 @@ void WorkbenchRepositoryPrivate::drop(const QString& path)
     if (archive) {
         Q_EMIT archiveAboutToBeRemoved(archive);
         unsaved.remove(archive);
+        stored.remove(archive);
         archive->disconnect(this);
         archive->deleteLater();
     }
@@ -159,11 +166,18 @@ bool WorkbenchRepositoryPrivate::saveArchive(ScopeElementArchive* archive)
         unsaved.remove(archive);
         return true;
     }
+    const QByteArray bytes = archive->toByteArray();
+    const auto print = fingerprint(bytes);
+    if (stored.value(archive) == print) {
+        unsaved.remove(archive);
+        return true;
+    }
     QString error;
-    if (!writeFile(path, archive->toByteArray(), &error)) {
+    if (!writeFile(path, bytes, &error)) {
         Q_EMIT saveFailed(path, error);
         return false;
     }
+    stored.insert(archive, print);
     unsaved.remove(archive);
     Q_EMIT archiveSaved(path);
     return true;
@@ -315,8 +329,9 @@ ScopeShotArchive* WorkbenchRepository::importReadOut(const QString& readOutFile,
             } else {
                 const QString name = shot->name().isEmpty() ? QFileInfo(readOutFile).completeBaseName() : shot->name();
                 const QString path = d->freeFileName(name, shotSuffix);
-                if (WorkbenchRepositoryPrivate::writeFile(path, shot->toByteArray(), &message)) {
-                    d->adopt(path, shot);
+                const QByteArray stored = shot->toByteArray();
+                if (WorkbenchRepositoryPrivate::writeFile(path, stored, &message)) {
+                    d->adopt(path, shot, stored);
                     Q_EMIT d->filesChanged();
                     return shot;
                 }
@@ -345,8 +360,9 @@ ScopeCompositionArchive* WorkbenchRepository::createComposition(const QList<Scop
         if (!name.trimmed().isEmpty())
             composition->setName(name.trimmed());
         const QString path = d->freeFileName(composition->name(), compositionSuffix);
-        if (WorkbenchRepositoryPrivate::writeFile(path, composition->toByteArray(), &message)) {
-            d->adopt(path, composition);
+        const QByteArray stored = composition->toByteArray();
+        if (WorkbenchRepositoryPrivate::writeFile(path, stored, &message)) {
+            d->adopt(path, composition, stored);
             Q_EMIT d->filesChanged();
             return composition;
         }
@@ -396,8 +412,9 @@ void WorkbenchRepository::rescan()
         present.insert(path);
         if (d->entries.contains(path))
             continue;
-        const WorkbenchRepositoryPrivate::Entry entry = d->load(path);
-        d->adopt(path, entry.archive);
+        QByteArray bytes;
+        const WorkbenchRepositoryPrivate::Entry entry = d->load(path, &bytes);
+        d->adopt(path, entry.archive, bytes);
         d->entries[path].error = entry.error;
         changed = true;
     }

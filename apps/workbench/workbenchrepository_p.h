@@ -4,6 +4,8 @@
 #include "workbenchrepository.h"
 
 #include <QtCore/QFileSystemWatcher>
+#include <QtCore/QHash>
+#include <QtCore/QPair>
 #include <QtCore/QMap>
 #include <QtCore/QObject>
 #include <QtCore/QPointer>
@@ -28,8 +30,9 @@ public:
     static bool writeFile(const QString& path, const QByteArray& bytes, QString* error);
     static bool readFile(const QString& path, QByteArray* bytes, QString* error);
 
-    Entry load(const QString& path);
-    void adopt(const QString& path, ScopeElementArchive* archive);
+    Entry load(const QString& path, QByteArray* bytes);
+    void adopt(const QString& path, ScopeElementArchive* archive, const QByteArray& bytes);
+    static QPair<qsizetype, size_t> fingerprint(const QByteArray& bytes);
     void drop(const QString& path);
     QString freeFileName(const QString& name, const QString& suffix) const;
     bool saveArchive(ScopeElementArchive* archive);
@@ -51,6 +54,10 @@ public:
     QString folder;
     QMap<QString, Entry> entries;
     QSet<ScopeElementArchive*> unsaved;
+    // Fingerprint of what each archive's file holds, so that a change that
+    // ends where it began (or view state that is written back unchanged)
+    // does not rewrite the file.
+    QHash<const ScopeElementArchive*, QPair<qsizetype, size_t>> stored;
     QFileSystemWatcher watcher;
     QTimer saveTimer;
     QTimer rescanTimer;

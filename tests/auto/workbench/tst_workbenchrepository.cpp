@@ -27,6 +27,7 @@ private Q_SLOTS:
     void findsArchivesById();
     void autosaveIsDebounced();
     void elementsChangedIsSavedToo();
+    void unchangedContentIsNotRewritten();
     void savedChangesSurviveReopening();
     void watcherSeesNewAndRemovedFiles();
     void vanishedFolderKeepsItsList();
@@ -179,6 +180,30 @@ void tst_WorkbenchRepository::elementsChangedIsSavedToo()
     QVERIFY(target->applyViewRecipe(source->viewRecipe(), true));
     QTRY_COMPARE(saved.count(), 1);
     QVERIFY(readTestFile(path(QStringLiteral("a-sprung.ovxshot"))).contains("ViewScalingFactor=4"));
+}
+
+void tst_WorkbenchRepository::unchangedContentIsNotRewritten()
+{
+    WorkbenchRepository repository;
+    repository.setAutosaveDelay(0);
+    QVERIFY(repository.setFolder(m_dir->path()));
+    const QString file = path(QStringLiteral("a-sprung.ovxshot"));
+    ScopeElementArchive* archive = repository.archive(file);
+    const QDateTime modified = QFileInfo(file).lastModified();
+    // Back-dated, so that any rewrite shows in the time stamp.
+    QFile touch(file);
+    QVERIFY(touch.open(QIODevice::ReadWrite));
+    QVERIFY(touch.setFileTime(modified.addSecs(-3600), QFileDevice::FileModificationTime));
+    touch.close();
+    QSignalSpy saved(&repository, &WorkbenchRepository::archiveSaved);
+    archive->setName(QStringLiteral("Zwischendurch"));
+    archive->setName(QStringLiteral("Sprung steif"));
+    QTRY_VERIFY(!repository.hasUnsavedChanges());
+    QCOMPARE(saved.count(), 0);
+    QCOMPARE(QFileInfo(file).lastModified(), modified.addSecs(-3600));
+    // A change that stays is written.
+    archive->setName(QStringLiteral("Bleibt"));
+    QTRY_COMPARE(saved.count(), 1);
 }
 
 void tst_WorkbenchRepository::savedChangesSurviveReopening()
