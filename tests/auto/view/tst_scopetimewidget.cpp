@@ -2,6 +2,7 @@
 #include "scopelayout.h"
 #include "scopestripeswidget.h"
 #include "scopetimewidget.h"
+#include "scopetimewidget_p.h"
 #include "scopewidget.h"
 #include "zoombar.h"
 
@@ -52,6 +53,7 @@ private:
 
 private Q_SLOTS:
     void form();
+    void metaMethodOrder();
     void showsTimePerDivision_data();
     void showsTimePerDivision();
     void noZoomBarDoesNothing();
@@ -95,6 +97,19 @@ void tst_ScopeTimeWidget::form()
     QCOMPARE(widget.timeRaster(), qint64(1));
     // Without a zoom bar the edit stays empty.
     QVERIFY(edit->text().isEmpty());
+}
+
+void tst_ScopeTimeWidget::metaMethodOrder()
+{
+    ScopeTimeWidget widget;
+    auto* d = widget.findChild<ScopeTimeWidgetPrivate*>();
+    QVERIFY(d);
+    const QMetaObject* meta = d->metaObject();
+    const char* expected[] = {"viewChanged()", "updateControls()", "onScaleUpClicked()", "onScaleDownClicked()",
+        "onMoveLeftClicked()", "onMoveRightClicked()", "onScalingEditCommitted()"};
+    for (int i = 0; i < int(std::size(expected)); ++i)
+        QCOMPARE(meta->method(meta->methodOffset() + i).methodSignature(), QByteArray(expected[i]));
+    QCOMPARE(meta->method(meta->methodOffset()).methodType(), QMetaMethod::Signal);
 }
 
 void tst_ScopeTimeWidget::showsTimePerDivision_data()
