@@ -403,8 +403,10 @@ void tst_ScopeTracePaint::envelopeMatchesEverySample()
           difference.lit, difference.pixels, difference.columns, difference.largestShift);
     QVERIFY(difference.lit > 0);
     // The same columns are lit, and within a column the lit rows agree apart
-    // from the rasteriser's choice at the joints of the envelope: a few rows
-    // at a column's top or bottom end.
+    // from a few rows at a column's top or bottom end. Exact equality is not
+    // to be had: the cosmetic line rasteriser carries its pixel position from
+    // one sub-pixel segment to the next, so where a line between dense samples
+    // lands depends on the segments drawn before it, by up to a column.
     QCOMPARE(difference.emptyMismatch, 0);
     QVERIFY2(difference.pixels * 200 <= difference.lit, "more than 0.5 % of the pixels differ");
     QVERIFY(difference.largestShift <= 24);
@@ -447,9 +449,9 @@ void tst_ScopeTracePaint::binaryEnvelopeMatchesEverySample()
     qInfo("lit %d, differing pixels %d in %d columns, largest edge shift %d", difference.lit, difference.pixels,
           difference.columns, difference.largestShift);
     QVERIFY(difference.lit > 0);
-    // Sparse views draw the very steps; dense views agree in the lit columns
-    // and in most pixels, but the transitions' end rows are the
-    // rasteriser's choice.
+    // Sparse views draw the very steps; dense views agree in the lit columns,
+    // but a transition drawn after thousands of sub-pixel steps may land one
+    // column to the left (see above), which moves whole transitions.
     QCOMPARE(difference.emptyMismatch, 0);
     QVERIFY2(difference.pixels * 4 <= difference.lit, "more than 25 % of the pixels differ");
 }
