@@ -133,6 +133,8 @@ void BM_ReduceSeries16x500k(benchmark::State& state)
 void BM_ChartScroll16x500k(benchmark::State& state)
 {
     LongSpectra& spectra = longSpectra();
+    // Every repetition starts from the whole frequency range.
+    Q_EMIT spectra.chart->updateAmplitudes();
     auto* axis = qobject_cast<QLogValueAxis*>(spectra.chart->xAxis());
     const double low = axis->min();
     const double high = axis->max();
@@ -148,6 +150,7 @@ void BM_ChartScroll16x500k(benchmark::State& state)
 void BM_ChartScrollbar16x500k(benchmark::State& state)
 {
     LongSpectra& spectra = longSpectra();
+    Q_EMIT spectra.chart->updateAmplitudes();
     auto* axis = qobject_cast<QLogValueAxis*>(spectra.chart->xAxis());
     axis->setRange(axis->min() * 4.0, axis->max() / 4.0);
     AxisScrollbar* bar = spectra.chart->horizontalScrollbar();
