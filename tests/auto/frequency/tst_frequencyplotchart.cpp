@@ -100,6 +100,7 @@ private Q_SLOTS:
     void controllerSwitchesAxes();
     void controllerAppliesShownChoiceToNewChart();
     void plotViewSelectsMeasurePoint();
+    void markerFollowsScrolling();
     void markerLabelFlipsAtRightEdge();
     void chartColoursFromSettings();
     void privateSlotsInvocableByName();
@@ -564,6 +565,33 @@ void tst_FrequencyPlotChart::plotViewSelectsMeasurePoint()
                       Qt::NoButton, Qt::NoButton, Qt::NoModifier);
     QApplication::sendEvent(view.viewport(), &hover);
     QCOMPARE(fixture.spectrum->selectedMeasurePoint(), 0);
+}
+
+void tst_FrequencyPlotChart::markerFollowsScrolling()
+{
+    Fixture fixture;
+    FrequencyPlotChart chart(fixture.spectrum.get());
+    chart.setXAxisLogarithmic(false);
+    FrequencyPlotView view(fixture.spectrum.get(), &chart);
+    view.resize(800, 500);
+    view.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&view));
+    QTRY_VERIFY(chart.chart()->plotArea().width() > 100);
+    const double r = fixture.spectrum->frequencyResolution();
+    fixture.spectrum->setSelectedMeasurePoint(100);
+    view.updateMarker();
+    QVERIFY(view.marker()->isVisible());
+    const qreal before = view.marker()->lineX();
+    // Zoomed in around the point: the marker moves with its frequency.
+    auto* axis = qobject_cast<QValueAxis*>(chart.xAxis());
+    axis->setRange(50 * r, 150 * r);
+    QVERIFY(view.marker()->isVisible());
+    QVERIFY(std::abs(view.marker()->lineX() - (chart.chart()->plotArea().left() + chart.chart()->plotArea().width() / 2.0)) < 2.0);
+    QVERIFY(view.marker()->lineX() != before);
+    // Scrolled away from it: hidden.
+    chart.horizontalScrollbar()->setValue(chart.horizontalScrollbar()->maximum());
+    QVERIFY(axis->min() > 100 * r);
+    QVERIFY(!view.marker()->isVisible());
 }
 
 void tst_FrequencyPlotChart::markerLabelFlipsAtRightEdge()
