@@ -1241,10 +1241,14 @@ static qsizetype firstSampleAt(const PlotMapping& m, double boundary, qsizetype 
 {
     // x is snapped to 1/64 pixel, so samples up to half a step left of the
     // boundary already count as on it.
-    double estimate = std::ceil(m.index(boundary - 1.0 / 128.0));
-    if (!std::isfinite(estimate))
-        estimate = estimate > 0 ? double(count) : 0.0;
-    qsizetype k = qsizetype(std::clamp(estimate, 0.0, double(count)));
+    const double estimate = m.index(boundary - 1.0 / 128.0);
+    qsizetype k = 0;
+    if (estimate >= double(count)) {
+        k = count;
+    } else if (estimate > 0.0) {
+        k = qsizetype(estimate); // rounded up below, without a library call
+        k += double(k) < estimate;
+    }
     // The estimate is off by rounding only; the bound keeps absurd time
     // scales, where x no longer grows with k, from walking the samples.
     for (int steps = 0; steps < 64 && k > 0 && m.x(k - 1) >= boundary; ++steps)
