@@ -161,6 +161,7 @@ private Q_SLOTS:
     void compositionWithoutLayout();
     void nothingIsLostInAComposition();
     void geometryIsKept();
+    void damagedElements();
     void screenshot();
 };
 
@@ -743,6 +744,42 @@ void tst_ScopeView::geometryIsKept()
     QVERIFY(!QSettings().value(QStringLiteral("Scope/scopeViewGeometry")).toByteArray().isEmpty());
     std::unique_ptr<ScopeView> view(ScopeView::create(nullptr, &host.repository));
     QCOMPARE(view->size(), QSize(900, 950));
+}
+
+void tst_ScopeView::damagedElements()
+{
+    Host host;
+    std::unique_ptr<ScopeView> view(ScopeView::create(nullptr, nullptr));
+    view->show();
+    QVERIFY(QTest::qWaitForWindowExposed(view.get()));
+    // An archive without data: an empty stripe, the frequency tab keeps its place.
+    auto* empty = ScopeShotArchive::create(view.get());
+    QVERIFY(empty->fromByteArray("[Archive]\r\nName=leer\r\n[ScopeScene]\r\nMarkerPosition_0A=abc\r\n"
+                                 "ViewSliderLeft=99999999999999999999999\r\nScopeStripe_0_ScopeStripeName=\r\n"));
+    view->setScopeElement(empty);
+    QCOMPARE(stripesOf(view.get())->scopeWidgets().size(), 1);
+    QCOMPARE(stripesOf(view.get())->scopeWidgets().constFirst()->traceFilter()->traces().size(), 0);
+    QCOMPARE(child<QTabWidget>(view.get(), "ViewModeTabWidget")->count(), 2);
+    stripesOf(view.get())->scopeWidgets().constFirst()->repaint();
+
+    // A composition without a repository shows nothing, and says so nowhere.
+    auto* composition = ScopeCompositionArchive::create(view.get());
+    composition->create({empty});
+    view->setScopeElement(composition);
+    QCOMPARE(view->currentScopeElement(), composition);
+    QCOMPARE(stripesOf(view.get())->scene()->shots().size(), 0);
+    QCOMPARE(stripesOf(view.get())->scopeWidgets().size(), 1);
+
+    // A stored layout that is garbage is skipped key by key.
+    auto* garbage = ScopeCompositionArchive::create(view.get());
+    QVERIFY(garbage->fromByteArray("[Archive]\r\nID=g\r\n[ScopeScene]\r\nScopeStripe_9999999999_ScopeStripeName=x\r\n"
+                                   "ScopeStripe_-3_StripeTrace_0=y\r\nScopeStripe_1_StripeTrace_z_TraceIndex=q\r\n"
+                                   "TraceView_zz_x_Color=1\r\nScopeStripe_2_ScopeStripeName=Zwei\r\n"));
+    view->setScopeElement(garbage);
+    QCOMPARE(stripesOf(view.get())->scopeWidgets().size(), 2);
+    QCOMPARE(stripesOf(view.get())->scopeWidgets().at(1)->name(), QStringLiteral("Zwei"));
+    view->setScopeElement(nullptr);
+    QCOMPARE(view->currentScopeElement(), nullptr);
 }
 
 void tst_ScopeView::screenshot()
