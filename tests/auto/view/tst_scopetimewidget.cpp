@@ -3,10 +3,12 @@
 #include "scopestripeswidget.h"
 #include "scopetimewidget.h"
 #include "scopetimewidget_p.h"
+#include "lineedit.h"
 #include "scopewidget.h"
 #include "zoombar.h"
 
 #include <QtCore/QLocale>
+#include <QtCore/QRandomGenerator>
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 #include <QtWidgets/QAbstractButton>
@@ -78,6 +80,7 @@ private Q_SLOTS:
     void rasterOnEdgeMovesNothing();
     void rasterWidensWindowToRaster();
     void viewChangedSignal();
+    void garbageInEdit();
 };
 
 void tst_ScopeTimeWidget::form()
@@ -410,6 +413,27 @@ void tst_ScopeTimeWidget::viewChangedSignal()
     QCOMPARE(f.edit->text(), local(QStringLiteral("20.00 ms/div")));
     f.zoomBar.setRange(-2000000000, 2000000000);
     QVERIFY(spy.count() >= 2);
+}
+
+void tst_ScopeTimeWidget::garbageInEdit()
+{
+    // Whatever is typed, the window stays inside the recording, keeps at
+    // least the minimum width and the edit shows the scale that results.
+    Fixture f(-1000000000, 1000000000, 0, 100000000, 1000);
+    QRandomGenerator random(4711);
+    const QString alphabet = QStringLiteral("0123456789.,; -+eE/msnu\u00b5DIVdiv\u0660\u0969 \t");
+    for (int round = 0; round < 500; ++round) {
+        QString text;
+        const int length = random.bounded(40);
+        for (int i = 0; i < length; ++i)
+            text += alphabet.at(random.bounded(alphabet.size()));
+        f.edit->setText(text);
+        Q_EMIT qobject_cast<LineEdit*>(f.edit)->textCommited(text);
+        QVERIFY(f.zoomBar.sliderLeft() >= f.zoomBar.minimum());
+        QVERIFY(f.zoomBar.sliderRight() <= f.zoomBar.maximum());
+        QVERIFY(f.span() >= 1000);
+        QVERIFY2(f.edit->text().endsWith(QStringLiteral(" ms/div")), qPrintable(text));
+    }
 }
 
 QTEST_MAIN(tst_ScopeTimeWidget)

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "lineedit.h"
 #include "scopeseries.h"
 #include "scopeshot.h"
 #include "scopetrace.h"
@@ -7,6 +8,7 @@
 #include "scopetracewidget_p.h"
 
 #include <QtCore/QLocale>
+#include <QtCore/QRandomGenerator>
 #include <QtCore/QTimer>
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
@@ -17,6 +19,7 @@
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QToolButton>
 
+#include <cmath>
 #include <memory>
 
 class tst_ScopeTraceWidget : public QObject
@@ -83,6 +86,7 @@ private Q_SLOTS:
     void withoutTrace();
     void traceDeleted();
     void binaryWindow();
+    void garbageInScalingEdit();
 };
 
 void tst_ScopeTraceWidget::form()
@@ -476,6 +480,24 @@ void tst_ScopeTraceWidget::binaryWindow()
     f.widget.setScopeTrace(other);
     QCOMPARE(binary->scopeTrace(), other);
     f.widget.setScopeTrace(nullptr);
+}
+
+void tst_ScopeTraceWidget::garbageInScalingEdit()
+{
+    Fixture f;
+    QRandomGenerator random(815);
+    const QString alphabet = QStringLiteral("0123456789.,; -+eE/Vdivnaf\u0660 \t");
+    for (int round = 0; round < 500; ++round) {
+        QString text;
+        const int length = random.bounded(30);
+        for (int i = 0; i < length; ++i)
+            text += alphabet.at(random.bounded(alphabet.size()));
+        f.edit()->setText(text);
+        Q_EMIT qobject_cast<LineEdit*>(f.edit())->textCommited(text);
+        QVERIFY2(std::isfinite(f.trace->scalingFactor()), qPrintable(text));
+        QVERIFY2(f.trace->scalingFactor() != 0.0, qPrintable(text));
+        QVERIFY2(f.edit()->text().endsWith(QStringLiteral(" U/min/div")), qPrintable(text));
+    }
 }
 
 QTEST_MAIN(tst_ScopeTraceWidget)
