@@ -67,8 +67,8 @@ void WorkbenchWindowPrivate::buildUi()
     list->setUniformRowHeights(true);
     list->setSelectionMode(QAbstractItemView::ExtendedSelection);
     list->setContextMenuPolicy(Qt::ActionsContextMenu);
-    list->header()->setStretchLastSection(false);
-    list->header()->setSectionResizeMode(NameColumn, QHeaderView::Stretch);
+    list->header()->setStretchLastSection(true);
+    list->header()->setSectionResizeMode(QHeaderView::Interactive);
     list->setMinimumWidth(260);
 
     stack = new QStackedWidget(splitter);
@@ -93,7 +93,7 @@ void WorkbenchWindowPrivate::buildUi()
     splitter->addWidget(stack);
     splitter->setStretchFactor(0, 0);
     splitter->setStretchFactor(1, 1);
-    splitter->setSizes({340, 1000});
+    splitter->setSizes({460, 1000});
     q->setCentralWidget(splitter);
 
     QStyle* style = q->style();
@@ -199,7 +199,9 @@ void WorkbenchWindowPrivate::fillItem(QTreeWidgetItem* item, const QString& path
         const QString error = repository->loadError(path);
         item->setText(NameColumn, fileName);
         item->setText(KindColumn, WorkbenchWindow::tr("Fehler"));
-        item->setText(ReadOutColumn, error);
+        // The error goes into the last column, which takes whatever width is left.
+        item->setText(CommentColumn, error);
+        item->setToolTip(CommentColumn, error);
         item->setIcon(NameColumn, q_ptr->style()->standardIcon(QStyle::SP_MessageBoxWarning));
         item->setToolTip(NameColumn, WorkbenchWindow::tr("%1 kann nicht geladen werden: %2").arg(path, error));
         for (int column = 0; column < ColumnCount; ++column)
@@ -279,8 +281,9 @@ void WorkbenchWindowPrivate::onFilesChanged()
         auto* item = new QTreeWidgetItem(list);
         fillItem(item, path);
     }
-    for (int column = 1; column < ColumnCount; ++column)
+    for (int column = 0; column < ColumnCount - 1; ++column)
         list->resizeColumnToContents(column);
+    list->setColumnWidth(NameColumn, qBound(120, list->columnWidth(NameColumn), 260));
     for (const QString& path : selected) {
         if (QTreeWidgetItem* item = itemForFile(path))
             item->setSelected(true);
