@@ -704,10 +704,10 @@ void WorkbenchWindow::onWidgetCreated(ScopeView* pView, QWidget* pWidget)
     // The frequency view is a window of its own; it goes when the workbench closes.
     if (!pWidget->isWindow())
         pWidget->setWindowFlag(Qt::Window, true);
-    if (pWidget->windowTitle().isEmpty()) {
-        ScopeElementArchive* archive = currentElement();
-        pWidget->setWindowTitle(archive ? tr("Frequenzanalyse – %1").arg(archive->name()) : tr("Frequenzanalyse"));
-    }
+    // The window is named after the recording it analyses (the widget's own
+    // title is only its form's name).
+    ScopeElementArchive* archive = currentElement();
+    pWidget->setWindowTitle(archive ? tr("Frequenzanalyse – %1").arg(archive->name()) : tr("Frequenzanalyse"));
     pWidget->setWindowIcon(windowIcon());
     if (pWidget->width() < 400 || pWidget->height() < 300)
         pWidget->resize(900, 600);

@@ -21,6 +21,8 @@
 #include <QtWidgets/QInputDialog>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QMessageBox>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QTabWidget>
 #include <QtWidgets/QStatusBar>
 #include <QtWidgets/QTreeWidget>
 
@@ -95,6 +97,7 @@ private Q_SLOTS:
     void frequencyViewsBecomeWindows();
     void viewChangesAreSaved();
     void compositionIsShownWithItsShots();
+    void frequencyAnalysisOpensAWindow();
 
 private:
     std::unique_ptr<QTemporaryDir> m_dir;
@@ -390,8 +393,8 @@ void tst_WorkbenchWindow::exportsCsv()
     QVERIFY(window.exportCsv(csv));
     const QList<QByteArray> lines = readTestFile(csv).split('\n');
     QCOMPARE(lines.first(), QByteArray("*,\"Velkor\"\r"));
-    // 15 header lines, 2 × 2 channel lines, one empty line, 200 rows and the end.
-    QCOMPARE(lines.size(), 15 + 4 + 200 + 1);
+    // 15 header lines, 2 × 2 channel lines, one empty line, 400 rows and the end.
+    QCOMPARE(lines.size(), 15 + 4 + 400 + 1);
     QVERIFY(lines.contains("*,source parameter 1, Drehzahl in 1/min\r"));
     QCOMPARE(window.statusBar()->currentMessage(), QStringLiteral("Exportiert: %1").arg(QDir::toNativeSeparators(csv)));
     QVERIFY(!window.exportCsv(path(QStringLiteral("fehlt/export.csv"))));
@@ -533,6 +536,37 @@ void tst_WorkbenchWindow::compositionIsShownWithItsShots()
     QCOMPARE(window.scopeView()->currentScopeElement(), window.currentElement());
     QVERIFY(window.exportPng(path(QStringLiteral("vergleich.png"))));
     QVERIFY(!QImage(path(QStringLiteral("vergleich.png"))).isNull());
+}
+
+void tst_WorkbenchWindow::frequencyAnalysisOpensAWindow()
+{
+    WorkbenchWindow window;
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    if (!window.scopeView())
+        QSKIP("This build has no scope view.");
+    QVERIFY(window.openFolder(m_dir->path()));
+    auto* tabs = window.scopeView()->findChild<QTabWidget*>(QStringLiteral("ViewModeTabWidget"));
+    QVERIFY(tabs);
+    QCOMPARE(tabs->count(), 2);
+    tabs->setCurrentIndex(1);
+    auto* apply = tabs->widget(1)->findChild<QPushButton*>(QStringLiteral("applyButton"));
+    QVERIFY(apply);
+    QTRY_VERIFY(apply->isEnabled());
+    QTest::mouseClick(apply, Qt::LeftButton);
+    QWidget* frequencyWindow = nullptr;
+    QTRY_VERIFY((frequencyWindow = [] {
+        const QList<QWidget*> windows = QApplication::topLevelWidgets();
+        for (QWidget* candidate : windows) {
+            if (candidate->isVisible() && candidate->windowTitle().startsWith(QStringLiteral("Frequenzanalyse")))
+                return candidate;
+        }
+        return static_cast<QWidget*>(nullptr);
+    }()) != nullptr);
+    QCOMPARE(frequencyWindow->windowTitle(), QStringLiteral("Frequenzanalyse – Sprung steif"));
+    QPointer<QWidget> guard(frequencyWindow);
+    QVERIFY(window.close());
+    QVERIFY(guard.isNull() || !guard->isVisible());
 }
 
 QTEST_MAIN(tst_WorkbenchWindow)

@@ -33,14 +33,14 @@ private:
     bool m_active = false;
 };
 
-// A small read-out of a drive: speed and current over 200 frames, trigger at 40.
+// A small read-out of a drive: speed and current over 400 frames (25 ms), trigger in the middle.
 inline QByteArray testReadOut(const QByteArray& serial, double amplitude = 100.0)
 {
     QByteArray text;
-    text += "[Data]\r\nChannelCount=2\r\nFrameCount=200\r\nTriggerIndex=40\r\n";
+    text += "[Data]\r\nChannelCount=2\r\nFrameCount=400\r\nTriggerIndex=200\r\n";
     text += "SerialNumber=" + serial + "\r\nLivingSpace=7\r\nStartTime=1000\r\nTriggerTime=1500\r\n";
-    for (int i = 0; i < 200; ++i) {
-        const double speed = i < 40 ? 0.0 : amplitude * (1.0 - qExp(-(i - 40) / 20.0));
+    for (int i = 0; i < 400; ++i) {
+        const double speed = i < 200 ? 0.0 : amplitude * (1.0 - qExp(-(i - 200) / 20.0));
         const double current = 2.0 * qSin(i / 10.0);
         text += "Data_" + QByteArray::number(i) + '=' + QByteArray::number(i) + ';'
             + QByteArray::number(speed, 'g', 8) + ';' + QByteArray::number(current, 'g', 8) + "\r\n";
