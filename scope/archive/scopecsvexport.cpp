@@ -90,7 +90,11 @@ public:
     void flush()
     {
         if (!m_buffer.empty())
-            m_file->write(m_buffer.data(), qint64(m_buffer.size()));
+            // A write the system cuts short (file size limit, full disk) returns less; writing
+            // the rest then fails, which QSaveFile remembers and commit() reports.
+            for (qint64 done = 0, n = 0; done < qint64(m_buffer.size())
+                 && (n = m_file->write(m_buffer.data() + done, qint64(m_buffer.size()) - done)) > 0;
+                 done += n) { }
         m_buffer.clear();
     }
 
