@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Every input a fuzz target ever failed on (data/fuzz/<target>/), and the
+// targets' seed corpora, run through the same pipelines as the fuzz targets.
+#include "fuzzpipelines.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QStandardPaths>
+#include <QtTest/QTest>
+
+#include <iterator>
+
+namespace {
+
+using Pipeline = QByteArray (*)(const QByteArray&);
+
+struct Target {
+    const char* name;
+    Pipeline pipeline;
+};
+
+const Target targets[] = {
+    {"fuzz_iniparser", &FuzzPipelines::iniDocument},
+    {"fuzz_shotarchive", &FuzzPipelines::shotArchive},
+    {"fuzz_archivecodec", &FuzzPipelines::archiveCodec},
+    {"fuzz_compositionarchive", &FuzzPipelines::compositionArchive},
+};
+
+} // namespace
+
+class tst_FuzzRegressions : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void replay_data();
+    void replay();
+};
+
+void tst_FuzzRegressions::initTestCase()
+{
+    QStandardPaths::setTestModeEnabled(true);
+}
+
+void tst_FuzzRegressions::replay_data()
+{
+    QTest::addColumn<QString>("fileName");
+    QTest::addColumn<int>("target");
+
+    const QString regressions = QFINDTESTDATA("data/fuzz");
+    QVERIFY(!regressions.isEmpty());
+    const QStringList folders = {regressions, QStringLiteral(OVSCOPE_FUZZ_SEEDS)};
+    int rows = 0;
+    for (const QString& folder : folders) {
+        for (int index = 0; index < int(std::size(targets)); ++index) {
+            const Target& target = targets[index];
+            const QDir dir(folder + QLatin1Char('/') + QLatin1String(target.name));
+            const QStringList files = dir.entryList(QDir::Files, QDir::Name);
+            for (const QString& file : files) {
+                if (file.startsWith(QLatin1Char('.')))
+                    continue;
+                const QString tag = QLatin1String(target.name) + QLatin1Char('/') + file;
+                QTest::newRow(qPrintable(tag)) << dir.filePath(file) << index;
+                ++rows;
+            }
+        }
+    }
+    QVERIFY(rows > 0);
+}
+
+void tst_FuzzRegressions::replay()
+{
+    QFETCH(QString, fileName);
+    QFETCH(int, target);
+
+    QFile file(fileName);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QByteArray failure = targets[target].pipeline(file.readAll());
+    QVERIFY2(failure.isEmpty(), failure.constData());
+}
+
+QTEST_MAIN(tst_FuzzRegressions)
+#include "tst_fuzzregressions.moc"
