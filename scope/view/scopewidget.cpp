@@ -6,6 +6,7 @@
 #include "scopemarker.h"
 #include "scopescene.h"
 #include "scopeshot.h"
+#include "scopetrace.h"
 #include "scopestripeswidget.h"
 #include "scopetracefilter.h"
 #include "zoombar.h"
@@ -18,6 +19,7 @@
 #include <QtWidgets/QMenu>
 
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -374,6 +376,13 @@ void ScopeWidget::mousePressEvent(QMouseEvent* event)
     if (!d->scene)
         return;
     const QPoint position = event->position().toPoint();
+    if (event->button() == Qt::LeftButton && event->modifiers() == Qt::ControlModifier) {
+        d->panning = true;
+        d->panStartOffsets.clear();
+        const QList<ScopeTrace*> traces = d->traceFilter->traces();
+        for (ScopeTrace* trace : traces)
+            d->panStartOffsets.append(qMakePair(QPointer<ScopeTrace>(trace), trace->verticalOffset()));
+    }
     d->scene->mousePressed(this, d->timeAt(position), position - d->layout->plotArea().topLeft(), event);
     update();
 }
@@ -386,6 +395,8 @@ void ScopeWidget::mouseMoveEvent(QMouseEvent* event)
     if (!d->layout->plotArea().contains(position) || !d->scene)
         return;
     d->scene->mouseMoved(this, d->timeAt(position), position - d->layout->plotArea().topLeft(), event);
+    if (d->panning)
+        d->invalidateTraceLayer();
     update();
 }
 
@@ -397,6 +408,17 @@ void ScopeWidget::mouseReleaseEvent(QMouseEvent* event)
         return;
     const QPoint position = event->position().toPoint();
     d->scene->mouseReleased(this, d->timeAt(position), position - d->layout->plotArea().topLeft(), event);
+    if (d->panning) {
+        d->panning = false;
+        d->invalidateTraceLayer();
+        const auto offsets = std::exchange(d->panStartOffsets, {});
+        for (const auto& start : offsets) {
+            // The offsets are part of what is saved: changed() carries them
+            // through the shot and the scene to the archive.
+            if (start.first && start.first->verticalOffset() != start.second)
+                Q_EMIT start.first->changed();
+        }
+    }
     update();
     if (event->isAccepted() && event->button() == Qt::RightButton)
         d->suppressContextMenu = true;

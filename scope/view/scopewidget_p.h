@@ -4,7 +4,10 @@
 #include "scopewidget.h"
 
 #include <QtCore/QObject>
+#include <QtCore/QList>
+#include <QtCore/QPair>
 #include <QtCore/QPoint>
+#include <QtCore/QPointer>
 #include <QtCore/QRect>
 #include <QtCore/QString>
 #include <QtGui/QPixmap>
@@ -13,6 +16,7 @@ class QFileSystemWatcher;
 class QMenu;
 class QPainter;
 class ScopeScene;
+class ScopeTrace;
 
 class ScopeWidgetPrivate : public QObject
 {
@@ -51,6 +55,12 @@ public:
     QRect traceLayerPlot;
     qint64 traceLayerLeft = 0;
     qint64 traceLayerRight = 0;
+
+    // A Control+drag pans: the scene moves the curves vertically with their
+    // signals blocked, so the widget redraws them itself and announces the
+    // new offsets once the gesture ends.
+    bool panning = false;
+    QList<QPair<QPointer<ScopeTrace>, double>> panStartOffsets;
 
 public Q_SLOTS:
     void showContextMenu(const QPoint& position);

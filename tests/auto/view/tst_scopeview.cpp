@@ -553,6 +553,14 @@ void tst_ScopeView::nothingIsLostInAShot()
         // Animations end; their last frame is what is kept.
         QTRY_COMPARE(list->currentTrace()->offAlphaFactor(), 0.0);
         QTRY_COMPARE(third->groundScalingFactor(), 0.0);
+        // Control+drag upwards moves the curves of the stripe up.
+        const double panned = trace->verticalOffset();
+        const QPoint panStart = stripe->layout()->plotArea().center();
+        QTest::mousePress(stripe, Qt::LeftButton, Qt::ControlModifier, panStart);
+        QTest::mouseMove(stripe, panStart + QPoint(0, -15));
+        QTest::mouseRelease(stripe, Qt::LeftButton, Qt::ControlModifier, panStart + QPoint(0, -15));
+        QVERIFY(trace->verticalOffset() != panned);
+
         QCoreApplication::processEvents();
         shown = picture(view.get());
     }

@@ -517,6 +517,21 @@ void tst_ScopeWidget::controlDragPan()
     QCOMPARE(fixture.zoomBar->sliderLeft(), -20000 + shift);
     QCOMPARE(fixture.zoomBar->sliderRight(), 20000 + shift);
     QCOMPARE(fixture.widget->cursor().shape(), Qt::ArrowCursor);
+
+    // Dragging up moves the curves up; the new offsets are announced once
+    // the gesture ends, so that they are saved and every view redraws.
+    ScopeTrace* trace = fixture.shot->trace(0);
+    const double offset = trace->verticalOffset();
+    QSignalSpy changed(&fixture.scene, &ScopeScene::sceneChanged);
+    QTest::mousePress(fixture.widget, Qt::LeftButton, Qt::ControlModifier, start);
+    QTest::mouseMove(fixture.widget, start + QPoint(0, -20));
+    QCOMPARE(changed.count(), 0);
+    const QImage during = fixture.widget->grab().toImage();
+    QTest::mouseRelease(fixture.widget, Qt::LeftButton, Qt::ControlModifier, start + QPoint(0, -20));
+    QVERIFY(trace->verticalOffset() > offset);
+    QVERIFY(changed.count() >= 1);
+    // The picture during the drag already showed the moved curve.
+    QCOMPARE(fixture.widget->grab().toImage(), during);
 }
 
 void tst_ScopeWidget::quickMeasure()
