@@ -36,6 +36,7 @@ private Q_SLOTS:
     void initTestCase();
     void replay_data();
     void replay();
+    void compositionIdWithLoneCarriageReturn();
 };
 
 void tst_FuzzRegressions::initTestCase()
@@ -78,6 +79,31 @@ void tst_FuzzRegressions::replay()
     QVERIFY(file.open(QIODevice::ReadOnly));
     const QByteArray failure = targets[target].pipeline(file.readAll());
     QVERIFY2(failure.isEmpty(), failure.constData());
+}
+
+void tst_FuzzRegressions::compositionIdWithLoneCarriageReturn()
+{
+    // Found by fuzz_compositionarchive: an ID holding a lone CR (no line end
+    // for the parser) is read with the CR but saved with a blank instead.
+    QFile file(QFINDTESTDATA("data/fuzz/fuzz_compositionarchive/id-with-lone-cr"));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    std::unique_ptr<ScopeCompositionArchive> composition(ScopeCompositionArchive::create(nullptr));
+    QVERIFY(composition->fromByteArray(file.readAll()));
+    QVERIFY(composition->id().contains('\r'));
+    std::unique_ptr<ScopeCompositionArchive> again(ScopeCompositionArchive::create(nullptr));
+    QVERIFY(again->fromByteArray(composition->toByteArray()));
+
+    KlIniParser::IniParser parser;
+    parser.setIniText("[S]\r\nKey=a\rb\r\n");
+    KlIniParser::IniSection* section = parser.section("S");
+    QVERIFY(section);
+    QCOMPARE(section->value("Key"), QByteArray("a\rb"));
+    section->setValue("Other", "a\rb");
+    QEXPECT_FAIL("", "IniSection::setValue turns a lone CR into a blank although parsing keeps it "
+                     "(platform/klutilities/iniparser.cpp)", Continue);
+    QCOMPARE(section->value("Other"), QByteArray("a\rb"));
+    QEXPECT_FAIL("", "So a composition's ID with a lone CR changes when saved", Continue);
+    QCOMPARE(again->id(), composition->id());
 }
 
 QTEST_MAIN(tst_FuzzRegressions)
