@@ -129,7 +129,8 @@ bool write(const IniParser& document, const QString& shotName, const QString& fi
     QSaveFile saveFile(fileName);
     QFile directFile(fileName);
     QFileDevice& file = direct ? static_cast<QFileDevice&>(directFile) : saveFile;
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+    // Unbuffered: the writer buffers itself, and every short write reaches its loop.
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered))
         return false;
     const auto finish = [&]() {
         if (direct) {
