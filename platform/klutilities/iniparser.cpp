@@ -69,7 +69,7 @@ qsizetype IniSectionPrivate::indexOf(QByteArrayView key, quint32 hash) const
     if (index.isEmpty()) {
         for (size_t i = 0, n = entries.size(); i < n; ++i) {
             const IniEntry& entry = entries[i];
-            if (entry.hash == hash && !entry.isRemoved() && entry.keyView() == key)
+            if (!entry.isRemoved() && entry.keyView() == key)
                 return qsizetype(i);
         }
         return -1;
@@ -88,7 +88,6 @@ void IniSectionPrivate::appendParsed(const char* key, quint32 keyLength, quint32
     entry.keyLength = keyLength;
     entry.value = value;
     entry.valueLength = valueLength;
-    entry.hash = hash;
     entries.push_back(entry);
     const size_t position = entries.size() - 1;
     if (!index.isEmpty())
@@ -119,7 +118,6 @@ void IniSectionPrivate::addParsed(QByteArrayView key, QByteArrayView value)
             entry.keyLength = quint32(key.size());
             entry.value = value.data();
             entry.valueLength = quint32(value.size());
-            entry.hash = hash;
             entries.push_back(entry);
             return;
         }
@@ -134,8 +132,10 @@ void IniSectionPrivate::buildIndex() const
 {
     index.clear();
     index.reserve(entries.size());
-    for (size_t i = 0; i < entries.size(); ++i)
-        index.insert(entries[i].hash, quint32(i));
+    for (size_t i = 0; i < entries.size(); ++i) {
+        if (!entries[i].isRemoved())
+            index.insert(IniParserPrivate::hashOf(entries[i].keyView()), quint32(i));
+    }
 }
 
 qint32 IniSectionPrivate::takeStorage()
@@ -158,9 +158,12 @@ void IniSectionPrivate::setValue(QByteArrayView key, quint32 hash, QByteArrayVie
             return;
         // Copy first: value may be a view of the bytes it replaces.
         QByteArray copy = value.toByteArray();
-        if (entry.storage < 0)
-            entry.storage = takeStorage(); // the key stays a slice of the text
-        OwnedBytes& owned = storage[size_t(entry.storage)];
+        qint32 slot = ownedSlots.value(entry.key, -1);
+        if (slot < 0) {
+            slot = takeStorage(); // the key stays a slice of the text
+            ownedSlots.insert(entry.key, slot);
+        }
+        OwnedBytes& owned = storage[size_t(slot)];
         owned.value = std::move(copy);
         entry.value = owned.value.constData();
         entry.valueLength = quint32(owned.value.size());
@@ -172,7 +175,7 @@ void IniSectionPrivate::setValue(QByteArrayView key, quint32 hash, QByteArrayVie
     owned = std::move(bytes);
     appendParsed(owned.key.constData(), quint32(owned.key.size()), hash, owned.value.constData(),
                  quint32(owned.value.size()));
-    entries.back().storage = slot;
+    ownedSlots.insert(entries.back().key, slot);
 }
 
 bool IniSectionPrivate::remove(QByteArrayView key, quint32 hash)
@@ -181,9 +184,11 @@ bool IniSectionPrivate::remove(QByteArrayView key, quint32 hash)
     if (position < 0)
         return false;
     IniEntry& entry = entries[size_t(position)];
-    if (entry.storage >= 0) {
-        storage[size_t(entry.storage)] = OwnedBytes();
-        freeStorage.push_back(entry.storage);
+    const auto owned = ownedSlots.constFind(entry.key);
+    if (owned != ownedSlots.constEnd()) {
+        storage[size_t(owned.value())] = OwnedBytes();
+        freeStorage.push_back(owned.value());
+        ownedSlots.erase(owned);
     }
     entry = IniEntry();
     ++removedCount;

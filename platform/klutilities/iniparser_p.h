@@ -5,6 +5,7 @@
 
 #include <QtCore/QByteArray>
 #include <QtCore/QByteArrayView>
+#include <QtCore/QHash>
 
 #include <cstring>
 #include <memory>
@@ -15,15 +16,16 @@ namespace KlIniParser {
 /* One key of a section. Key and value are views: into the loaded text for
    everything that was parsed, into the section's own storage for what was set
    later. A removed key keeps its place with key == nullptr until the section
-   is compacted, so that removing many keys stays linear. */
+   is compacted, so that removing many keys stays linear. An entry is kept at
+   24 bytes, since a recording holds one per data row: the hash lives in the
+   index only, and the few entries with bytes of their own are found through
+   IniSectionPrivate::ownedSlots. */
 struct IniEntry
 {
     const char* key = nullptr;
     const char* value = nullptr;
     quint32 keyLength = 0;
     quint32 valueLength = 0;
-    quint32 hash = 0;
-    qint32 storage = -1; // slot in IniSectionPrivate::storage, -1 = slices of the text
 
     bool isRemoved() const { return key == nullptr; }
     QByteArrayView keyView() const { return QByteArrayView(key, keyLength); }
@@ -167,6 +169,9 @@ public:
     mutable qsizetype removedCount = 0;
     std::vector<OwnedBytes> storage;
     std::vector<qint32> freeStorage;
+    // Entries whose key or value lives in storage, by the entry's key pointer
+    // (unique per entry and unchanged by compaction), to their slot.
+    QHash<const char*, qint32> ownedSlots;
 };
 
 class IniParserPrivate
