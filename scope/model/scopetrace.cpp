@@ -23,9 +23,12 @@
 
 namespace {
 
-// Samples are grouped in blocks of this many before the pyramid starts, so
-// that the envelope costs a quarter of the samples' memory.
-constexpr qsizetype envelopeBlock = 16;
+// Samples are grouped in blocks of this many before the pyramid starts. The
+// envelope costs 2 × 2 / envelopeBlock of the samples' memory (1/16 here): a
+// deep recording's text, samples and envelopes all have to fit in memory
+// together, and the few more samples scanned at the edges of a pixel column
+// lie next to each other.
+constexpr qsizetype envelopeBlock = 64;
 
 // Below this many samples per pixel column the curve is drawn as a plain
 // polyline; above it per column from the envelope.
