@@ -18,6 +18,9 @@
 #include <QtGui/QPolygonF>
 
 #include <algorithm>
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 #include <cmath>
 #include <limits>
 
@@ -96,6 +99,39 @@ inline void combine(double value, double* lowest, double* highest)
     *highest = std::max(*highest, value);
 }
 
+// combine() over a run of samples. Four independent pairs of bounds keep the
+// processor busy instead of waiting for each comparison in turn; the packed
+// minimum and maximum take the second operand when one is NaN, as combine()
+// does.
+inline void combineRun(const double* data, qsizetype count, double* lowest, double* highest)
+{
+    qsizetype i = 0;
+#if defined(__SSE2__)
+    if (count >= 8) {
+        __m128d low0 = _mm_set1_pd(*lowest);
+        __m128d low1 = low0;
+        __m128d high0 = _mm_set1_pd(*highest);
+        __m128d high1 = high0;
+        for (; i + 4 <= count; i += 4) {
+            const __m128d a = _mm_loadu_pd(data + i);
+            const __m128d b = _mm_loadu_pd(data + i + 2);
+            low0 = _mm_min_pd(a, low0);
+            high0 = _mm_max_pd(a, high0);
+            low1 = _mm_min_pd(b, low1);
+            high1 = _mm_max_pd(b, high1);
+        }
+        double lows[2];
+        double highs[2];
+        _mm_storeu_pd(lows, _mm_min_pd(low0, low1));
+        _mm_storeu_pd(highs, _mm_max_pd(high0, high1));
+        *lowest = std::min(lows[0], lows[1]);
+        *highest = std::max(highs[0], highs[1]);
+    }
+#endif
+    for (; i < count; ++i)
+        combine(data[i], lowest, highest);
+}
+
 } // namespace
 
 // ---------------------------------------------------------------------------
@@ -120,9 +156,7 @@ void ScopeTraceEnvelope::build(const QVector<double>& samples)
     for (qsizetype b = 0; b < blocks; ++b) {
         double lowest = std::numeric_limits<double>::infinity();
         double highest = -std::numeric_limits<double>::infinity();
-        const double* block = data + b * envelopeBlock;
-        for (qsizetype i = 0; i < envelopeBlock; ++i)
-            combine(block[i], &lowest, &highest); // NaN never compares, so it is skipped
+        combineRun(data + b * envelopeBlock, envelopeBlock, &lowest, &highest); // NaN is skipped
         lows[size_t(b)] = lowest;
         highs[size_t(b)] = highest;
     }
@@ -152,15 +186,13 @@ bool ScopeTraceEnvelope::range(const QVector<double>& samples, qsizetype first, 
     last = std::min(last, samples.size());
     const double* data = samples.constData();
     if (last - first < 2 * envelopeBlock || minimum.empty()) {
-        for (qsizetype i = first; i < last; ++i)
-            combine(data[i], &low, &high);
+        if (last > first)
+            combineRun(data + first, last - first, &low, &high);
     } else {
         qsizetype lo = (first + envelopeBlock - 1) / envelopeBlock;
         qsizetype hi = last / envelopeBlock;
-        for (qsizetype i = first; i < lo * envelopeBlock; ++i)
-            combine(data[i], &low, &high);
-        for (qsizetype i = hi * envelopeBlock; i < last; ++i)
-            combine(data[i], &low, &high);
+        combineRun(data + first, lo * envelopeBlock - first, &low, &high);
+        combineRun(data + hi * envelopeBlock, last - hi * envelopeBlock, &low, &high);
         for (size_t level = 0; lo < hi && level < minimum.size(); ++level) {
             const std::vector<double>& lows = minimum[level];
             const std::vector<double>& highs = maximum[level];
@@ -1330,9 +1362,13 @@ void ScopeTracePrivate::paintCurve(QPainter* painter, const QRect& area, int div
         for (qsizetype c = 0; c < columnCount; ++c) {
             const double ahead = m.index(double(area.left()) + double(c + prefetchDistance));
             if (ahead >= 0.0 && ahead < double(count)) {
+                // The whole block around the boundary: its samples on both
+                // sides are scanned one by one.
                 const qsizetype k = qsizetype(ahead);
-                __builtin_prefetch(data + k);
-                __builtin_prefetch(data + std::max<qsizetype>(k - 8, 0));
+                const qsizetype blockStart = k - k % envelopeBlock;
+                const qsizetype blockEnd = std::min(blockStart + envelopeBlock, count);
+                for (qsizetype p = blockStart; p < blockEnd; p += 8)
+                    __builtin_prefetch(data + p);
                 if (k / envelopeBlock < blockCount) {
                     __builtin_prefetch(blockLows + k / envelopeBlock);
                     __builtin_prefetch(blockHighs + k / envelopeBlock);
