@@ -197,12 +197,13 @@ bool ScopeTraceEnvelope::range(const QVector<double>& samples, qsizetype first, 
             const std::vector<double>& lows = minimum[level];
             const std::vector<double>& highs = maximum[level];
             const qsizetype size = qsizetype(lows.size());
-            // Blocks past the last full pair of a level have no parent: take them here.
-            if (hi > (size / 2) * 2 || level + 1 == minimum.size()) {
-                for (qsizetype i = lo; i < hi; ++i) {
-                    low = std::min(low, lows[size_t(i)]);
-                    high = std::max(high, highs[size_t(i)]);
-                }
+            // Blocks past the last full pair of a level have no parent: take
+            // them here; a short run is read straight through, too.
+            if (hi > (size / 2) * 2 || level + 1 == minimum.size() || hi - lo <= 16) {
+                double unusedHigh = high;
+                double unusedLow = low;
+                combineRun(lows.data() + lo, hi - lo, &low, &unusedHigh);
+                combineRun(highs.data() + lo, hi - lo, &unusedLow, &high);
                 break;
             }
             if (lo & 1) {
