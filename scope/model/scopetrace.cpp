@@ -351,9 +351,21 @@ ScopeTracePrivate::~ScopeTracePrivate()
     qDeleteAll(animations);
 }
 
+// Times saturate at the ends of the 64-bit range, so that a recording with an
+// absurd time base or trigger index never wraps around to the other side.
+static qint64 saturatedTime(qint64 steps, quint32 timeBase)
+{
+    const __int128 time = __int128(steps) * timeBase * 100;
+    if (time > std::numeric_limits<qint64>::max())
+        return std::numeric_limits<qint64>::max();
+    if (time < std::numeric_limits<qint64>::min())
+        return std::numeric_limits<qint64>::min();
+    return qint64(time);
+}
+
 qint64 ScopeTracePrivate::sampleTime(qint64 index) const
 {
-    return (index - triggerIndex) * qint64(timeBase) * 100;
+    return saturatedTime(index - triggerIndex, timeBase);
 }
 
 int ScopeTracePrivate::sampleIndex(qint64 time) const
@@ -760,13 +772,13 @@ void ScopeTrace::setTimeBase(unsigned timeBase)
 qint64 ScopeTrace::startTime() const
 {
     Q_D(const ScopeTrace);
-    return -(qint64(d->timeBase) * d->triggerIndex * 100);
+    return saturatedTime(-qint64(d->triggerIndex), d->timeBase);
 }
 
 qint64 ScopeTrace::endTime() const
 {
     Q_D(const ScopeTrace);
-    return (qint64(d->samples.size()) - 1 - d->triggerIndex) * qint64(d->timeBase) * 100;
+    return saturatedTime(qint64(d->samples.size()) - 1 - d->triggerIndex, d->timeBase);
 }
 
 int ScopeTrace::sampleIndex(qint64 time) const
