@@ -36,18 +36,26 @@ inline QByteArrayView trimmed(QByteArrayView bytes)
 }
 
 /* Names, keys and values given by a caller are brought into the form a parse
-   of the written text gives back: line breaks become blanks and surrounding
-   blanks go. Only copies into buffer when a line break has to be replaced. */
+   of the written text gives back: what would end the line (LF, and the CRs
+   right before it) becomes a blank and surrounding blanks go. A lone CR
+   inside does not end a line and stays. Only copies into buffer when a line
+   break has to be replaced. */
 QByteArrayView normalized(QByteArrayView bytes, QByteArray& buffer)
 {
     bytes = trimmed(bytes);
     const char* data = bytes.data();
     const qsizetype size = bytes.size();
-    if (size == 0 || (!std::memchr(data, '\n', size_t(size)) && !std::memchr(data, '\r', size_t(size))))
+    if (size == 0 || !std::memchr(data, '\n', size_t(size)))
         return bytes;
     buffer = bytes.toByteArray();
-    std::replace(buffer.begin(), buffer.end(), '\n', ' ');
-    std::replace(buffer.begin(), buffer.end(), '\r', ' ');
+    char* const first = buffer.data();
+    for (char* c = first + buffer.size(); c-- > first;) {
+        if (*c != '\n')
+            continue;
+        *c = ' ';
+        while (c > first && c[-1] == '\r')
+            *--c = ' ';
+    }
     return trimmed(QByteArrayView(buffer));
 }
 

@@ -387,6 +387,15 @@ void tst_IniParser::setValueNormalises_data()
     QTest::newRow("value with = and ;") << QByteArray("k") << QByteArray(";x=[y]") << QByteArray("k")
                                         << QByteArray(";x=[y]");
     QTest::newRow("NUL") << bytes("k\0") << bytes("\0") << bytes("k\0") << bytes("\0");
+    // A lone CR ends no line when parsed, so it stays where it is.
+    QTest::newRow("lone CR kept") << QByteArray("k\rl") << QByteArray("a\rb") << QByteArray("k\rl")
+                                  << QByteArray("a\rb");
+    QTest::newRow("CRs before LF") << QByteArray("k") << QByteArray("a\r\r\nb\rc\n\rd") << QByteArray("k")
+                                   << QByteArray("a   b\rc \rd");
+    QTest::newRow("CRs at the ends") << QByteArray("\rk\r") << QByteArray("\r\ra\rb\r") << QByteArray("k")
+                                     << QByteArray("a\rb");
+    QTest::newRow("only line breaks") << QByteArray("k") << QByteArray("\r\n\r\r\n") << QByteArray("k")
+                                      << QByteArray();
 }
 
 void tst_IniParser::setValueNormalises()
