@@ -7,7 +7,6 @@
 #include "scopeshotarchive.h"
 #include "system.h"
 
-#include <QtCore/QSet>
 
 using KlIniParser::IniSection;
 
@@ -116,15 +115,12 @@ QByteArray ScopeCompositionArchiveImplementation::toByteArray()
     archive->setValue(ScopeArchiveKeys::IsPublic, m_isPublic ? QByteArrayView("1") : QByteArrayView("0"));
     archive->setValue(ScopeArchiveKeys::CreateTimestamp, ScopeArchiveCodec::encodeTimestamp(m_createTimestamp));
 
-    // The section lists exactly the used shots: keys that a loaded document
-    // had beyond "ShotId_0" … "ShotId_<n-1>" would come back as extra shots.
-    QSet<QByteArray> wanted;
-    for (qsizetype i = 0; i < m_usedShotIdentifiers.size(); ++i)
-        wanted.insert(shotIdKey(i));
-    for (const QByteArray& key : used->keys()) {
-        if (!wanted.contains(key))
-            used->remove(key);
-    }
+    // The section is written anew from the list, in order: any key a loaded
+    // document had there (foreign names, "ShotId_" N out of order) would
+    // otherwise come back as an extra shot or in another place. The section
+    // keeps its place among the others.
+    for (const QByteArray& key : used->keys())
+        used->remove(key);
     for (qsizetype i = 0; i < m_usedShotIdentifiers.size(); ++i)
         used->setValue(shotIdKey(i), m_usedShotIdentifiers.at(i));
 

@@ -36,6 +36,8 @@ private Q_SLOTS:
     void setPublicAlwaysEmits();
     void commentLivesInDocument();
     void staleShotKeysAreDropped();
+    void shotSectionIsWrittenAnew_data();
+    void shotSectionIsWrittenAnew();
     void garbageTimestampIsInvalid();
 
 private:
@@ -298,6 +300,51 @@ void tst_ScopeCompositionArchive::staleShotKeysAreDropped()
     std::unique_ptr<ScopeCompositionArchive> loaded(ScopeCompositionArchive::create(nullptr));
     QVERIFY(loaded->fromByteArray(archive->toByteArray()));
     QCOMPARE(loaded->usedShotIdentifiers(), QList<QByteArray>({"a", "b"}));
+}
+
+void tst_ScopeCompositionArchive::shotSectionIsWrittenAnew_data()
+{
+    QTest::addColumn<QByteArray>("shotKeys");
+    QTest::addColumn<QList<QByteArray>>("shots");
+
+    QTest::newRow("foreign key first") << QByteArray("ShotLd_0=a\nShotId_1=b\n") << QList<QByteArray>({"a", "b"});
+    QTest::newRow("ShotId_1 after others") << QByteArray("x=a\ny=b\nShotId_1=c\nShotId_0=d\n")
+                                           << QList<QByteArray>({"a", "b", "c", "d"});
+    QTest::newRow("reversed") << QByteArray("ShotId_2=a\nShotId_1=b\nShotId_0=c\n")
+                              << QList<QByteArray>({"a", "b", "c"});
+    QTest::newRow("clean") << QByteArray("ShotId_0=a\nShotId_1=b\n") << QList<QByteArray>({"a", "b"});
+    QTest::newRow("empty") << QByteArray() << QList<QByteArray>();
+}
+
+void tst_ScopeCompositionArchive::shotSectionIsWrittenAnew()
+{
+    QFETCH(QByteArray, shotKeys);
+    QFETCH(QList<QByteArray>, shots);
+
+    std::unique_ptr<ScopeCompositionArchive> archive(ScopeCompositionArchive::create(nullptr));
+    QVERIFY(archive->fromByteArray("[First]\nk=1\n[UsedShotIdentifiers]\n" + shotKeys
+                                   + "[Archive]\nID=c\n[Last]\nl=2\n"));
+    QCOMPARE(archive->usedShotIdentifiers(), shots);
+
+    QByteArray expectedSection("[UsedShotIdentifiers]\r\n");
+    for (qsizetype i = 0; i < shots.size(); ++i)
+        expectedSection += "ShotId_" + QByteArray::number(i) + '=' + shots.at(i) + "\r\n";
+
+    // Saving twice changes nothing: the list neither grows nor reorders.
+    QByteArray saved = archive->toByteArray();
+    for (int round = 0; round < 3; ++round) {
+        std::unique_ptr<ScopeCompositionArchive> loaded(ScopeCompositionArchive::create(nullptr));
+        QVERIFY(loaded->fromByteArray(saved));
+        QCOMPARE(loaded->usedShotIdentifiers(), shots);
+        QVERIFY2(saved.contains(expectedSection), saved.constData());
+        // The section keeps its place among the sections.
+        const auto* parser = static_cast<ScopeCompositionArchiveImplementation*>(loaded.get())->iniParser();
+        QCOMPARE(parser->sectionNames(),
+                 QList<QByteArray>({"First", "UsedShotIdentifiers", "Archive", "Last"}));
+        const QByteArray again = loaded->toByteArray();
+        QCOMPARE(again, saved);
+        saved = again;
+    }
 }
 
 void tst_ScopeCompositionArchive::garbageTimestampIsInvalid()
