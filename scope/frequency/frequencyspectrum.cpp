@@ -33,7 +33,9 @@ FrequencySpectrumPrivate::~FrequencySpectrumPrivate()
 
 void FrequencySpectrumPrivate::onTraceDestroyed(QObject* trace)
 {
-    traces.removeAll(static_cast<FrequencyTrace*>(trace));
+    // The trace is already being destroyed: no cast down to FrequencyTrace,
+    // compare by its QObject address.
+    traces.removeIf([trace](const FrequencyTrace* entry) { return static_cast<const QObject*>(entry) == trace; });
 }
 
 FrequencySpectrum::FrequencySpectrum(const QList<FrequencyTrace*>& traces)
