@@ -136,8 +136,13 @@ bool ScopeShotPrivate::readTraces(bool reuse)
 
     const std::vector<UsedChannel> channels = usedChannels(archive, channelCount);
 
-    // The frames are bounded by the rows present; the samples by the bytes
-    // of the rows, since every real sample takes at least two bytes of text.
+    // The frames reach up to the highest row present; rows that are missing
+    // below it keep their zeros. Unless the claimed size (frames x channels)
+    // is modest, the samples are also bounded by the bytes of the rows, since
+    // every real sample takes at least two bytes of text: absurd frame or
+    // channel counts never allocate much.
+    constexpr quint64 ModestSampleCount = quint64(1) << 20;
+    const bool modestClaim = channelCount <= ModestSampleCount && frameCount <= ModestSampleCount / channelCount;
     quint64 frames = 0;
     quint64 rowBytes = 0;
     bool hasRows = false;
@@ -150,7 +155,7 @@ bool ScopeShotPrivate::readTraces(bool reuse)
         frames = std::max(frames, frame + 1);
         rowBytes += quint64(dataSection->valueAt(i).size());
     }
-    if (!channels.empty())
+    if (!channels.empty() && !modestClaim)
         frames = std::min<quint64>(frames, rowBytes / 2 / channels.size());
     frames = std::min<quint64>(frames, quint64(std::numeric_limits<int>::max()));
 
