@@ -1067,13 +1067,20 @@ bool ScopeTrace::readSection(KlIniParser::IniSection& section)
     }
     if (section.contains("ChoiceMap")) {
         d->choiceMap.clear();
-        const QList<QByteArray> items = section.value("ChoiceMap").split(',');
-        for (const QByteArray& item : items) {
+        // Parsed in place from the stored value: no copy, no list of pieces.
+        const QByteArrayView value = section.valueView("ChoiceMap");
+        qsizetype begin = 0;
+        while (begin <= value.size()) {
+            qsizetype end = value.indexOf(',', begin);
+            if (end < 0)
+                end = value.size();
+            const QByteArrayView item = value.sliced(begin, end - begin);
+            begin = end + 1;
             if (item.isEmpty())
                 continue;
             const qsizetype colon = item.indexOf(':');
-            const QByteArray key = colon < 0 ? item : item.left(colon);
-            const QByteArray text = colon < 0 ? QByteArray() : item.mid(colon + 1);
+            const QByteArrayView key = colon < 0 ? item : item.first(colon);
+            const QByteArrayView text = colon < 0 ? QByteArrayView() : item.sliced(colon + 1);
             if (key.isEmpty())
                 continue;
             const int number = key.trimmed().toInt(&ok, 10);
