@@ -13,6 +13,7 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
+#include <QtCore/QSaveFile>
 #include <QtCore/QSettings>
 #include <QtCore/QStandardPaths>
 #include <QtGui/QCloseEvent>
@@ -544,7 +545,10 @@ bool WorkbenchWindow::exportPng(const QString& pngFile)
         return false;
     }
     const QPixmap picture = d->stack->currentWidget()->grab();
-    if (picture.isNull() || !picture.save(pngFile, "PNG")) {
+    // Written beside the target and renamed over it only when complete, so a
+    // failed write keeps the previous picture.
+    QSaveFile file(pngFile);
+    if (picture.isNull() || !file.open(QIODevice::WriteOnly) || !picture.save(&file, "PNG") || !file.commit()) {
         d->showStatus(tr("PNG-Export nach %1 fehlgeschlagen").arg(QDir::toNativeSeparators(pngFile)));
         return false;
     }

@@ -92,6 +92,7 @@ private Q_SLOTS:
     void newFilesAppearByThemselves();
     void exportsCsv();
     void exportsPng();
+    void failedPngExportKeepsThePreviousFile();
     void appliesAnotherRecordingsView();
     void recipeRequestWithoutShotIsRefused();
     void frequencyViewsBecomeWindows();
@@ -416,6 +417,30 @@ void tst_WorkbenchWindow::exportsPng()
     QVERIFY(!image.isNull());
     QVERIFY(image.width() > 200 && image.height() > 200);
     QVERIFY(!window.exportPng(path(QStringLiteral("fehlt/bild.png"))));
+}
+
+void tst_WorkbenchWindow::failedPngExportKeepsThePreviousFile()
+{
+    WorkbenchWindow window;
+    window.resize(1200, 800);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    QVERIFY(window.openFolder(m_dir->path()));
+    const QString png = path(QStringLiteral("bild.png"));
+    QVERIFY(window.exportPng(png));
+    const QByteArray before = readTestFile(png);
+    QVERIFY(before.size() > 16);
+    const int files = QDir(m_dir->path()).entryList(QDir::Files).size();
+    {
+        // A file size limit makes every write past 16 bytes fail, for root as well.
+        FileSizeLimit limit;
+        QVERIFY(limit.isActive());
+        QVERIFY(!window.exportPng(png));
+    }
+    QCOMPARE(window.statusBar()->currentMessage(),
+             QStringLiteral("PNG-Export nach %1 fehlgeschlagen").arg(QDir::toNativeSeparators(png)));
+    QCOMPARE(readTestFile(png), before);
+    QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files).size(), files);
 }
 
 void tst_WorkbenchWindow::appliesAnotherRecordingsView()
