@@ -351,15 +351,17 @@ ScopeTracePrivate::~ScopeTracePrivate()
     qDeleteAll(animations);
 }
 
-// Times saturate at the ends of the 64-bit range, so that a recording with an
-// absurd time base or trigger index never wraps around to the other side.
+// Times saturate at ±2^62 ns (about 146 years from the trigger), so that a
+// recording with an absurd time base or trigger index never wraps around, and
+// the span between any two times still fits into 64 bits.
 static qint64 saturatedTime(qint64 steps, quint32 timeBase)
 {
+    constexpr qint64 limit = qint64(1) << 62;
     const __int128 time = __int128(steps) * timeBase * 100;
-    if (time > std::numeric_limits<qint64>::max())
-        return std::numeric_limits<qint64>::max();
-    if (time < std::numeric_limits<qint64>::min())
-        return std::numeric_limits<qint64>::min();
+    if (time > limit)
+        return limit;
+    if (time < -limit)
+        return -limit;
     return qint64(time);
 }
 

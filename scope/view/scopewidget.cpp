@@ -19,6 +19,7 @@
 #include <QtWidgets/QMenu>
 
 #include <cmath>
+#include <limits>
 #include <utility>
 
 namespace {
@@ -70,7 +71,10 @@ qint64 ScopeWidgetPrivate::timeAt(const QPoint& position) const
     // left edge rather than dividing by zero.
     if (plot.width() <= 0)
         return leftIndex;
-    return leftIndex + (rightIndex - leftIndex) * qint64(position.x() - plot.left()) / qint64(plot.width());
+    // In 128 bits: the span times the pixel offset does not fit into 64.
+    const __int128 time = leftIndex
+        + (__int128(rightIndex) - leftIndex) * (position.x() - plot.left()) / plot.width();
+    return qint64(qBound<__int128>(std::numeric_limits<qint64>::min(), time, std::numeric_limits<qint64>::max()));
 }
 
 void ScopeWidgetPrivate::paintFrame(QPainter* painter)
@@ -83,7 +87,7 @@ void ScopeWidgetPrivate::paintFrame(QPainter* painter)
     const QRect plot = layout->plotArea();
     painter->setClipRect(plot, Qt::ReplaceClip);
 
-    const int precision = (rightIndex - leftIndex) < 10000000 ? 3 : 0;
+    const int precision = (__int128(rightIndex) - leftIndex) < 10000000 ? 3 : 0;
     const QRect textRect = plot.adjusted(5, 5, -5, -5);
     painter->drawText(textRect, Qt::AlignTop | Qt::AlignLeft, name.isEmpty() ? defaultName() : name);
     painter->drawText(textRect, Qt::AlignBottom | Qt::AlignLeft, timeLabel(leftIndex, precision));
