@@ -179,18 +179,13 @@ bool ScopeShotArchiveImplementation::isCommentEmpty() const
 
 void ScopeShotArchiveImplementation::setComment(const QString& comment)
 {
-    ScopeElementComment elementComment(this);
-    if (comment == elementComment.comment())
-        return;
-    elementComment.setComment(comment);
-    Q_EMIT scopeElementChanged();
+    if (ScopeElementComment(this).changeComment(comment))
+        Q_EMIT scopeElementChanged();
 }
 
 bool ScopeShotArchiveImplementation::editComment(QWidget* parent)
 {
-    ScopeElementComment elementComment(this);
-    const QString before = elementComment.comment();
-    if (!elementComment.editComment(parent) || elementComment.comment() == before)
+    if (!ScopeElementComment(this).editAndReportChange(parent))
         return false;
     Q_EMIT scopeElementChanged();
     return true;

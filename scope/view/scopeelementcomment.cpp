@@ -86,3 +86,17 @@ bool ScopeElementComment::editComment(QWidget* parent)
     setComment(dialog.html());
     return true;
 }
+
+bool ScopeElementComment::changeComment(const QString& html)
+{
+    if (html == comment())
+        return false;
+    setComment(html);
+    return true;
+}
+
+bool ScopeElementComment::editAndReportChange(QWidget* parent)
+{
+    const QString before = comment();
+    return editComment(parent) && comment() != before;
+}

@@ -35,6 +35,14 @@ public:
         text when it is accepted; returns whether it was accepted. */
     bool editComment(QWidget* parent = nullptr);
 
+    /*! \brief Stores \a html unless it is the stored comment already;
+        returns whether the comment changed. */
+    bool changeComment(const QString& html);
+
+    /*! \brief Opens the comment dialog like editComment(); returns whether
+        the dialog was accepted with a text that differs from the stored one. */
+    bool editAndReportChange(QWidget* parent = nullptr);
+
 private:
     Q_DECLARE_PRIVATE(ScopeElementComment)
     ScopeElementCommentPrivate* const d_ptr;
