@@ -2,9 +2,11 @@
 #include "scopeelementcommentdialog.h"
 #include "scopeelementcommentdialog_p.h"
 
+#include "scopearchivecodec.h"
 #include "texteditwidget.h"
 
 #include <QtWidgets/QDialogButtonBox>
+#include <QtWidgets/QLabel>
 #include <QtWidgets/QVBoxLayout>
 
 ScopeElementCommentDialogPrivate::ScopeElementCommentDialogPrivate(ScopeElementCommentDialog* q)
@@ -28,6 +30,14 @@ ScopeElementCommentDialog::ScopeElementCommentDialog(const QString& elementName,
     d->editor->setHtml(html);
     layout->addWidget(d->editor);
 
+    d->tooLongLabel = new QLabel(this);
+    d->tooLongLabel->setObjectName(QStringLiteral("tooLongLabel"));
+    d->tooLongLabel->setText(tr("Der Kommentar ist zu lang: höchstens %1 KiB Text (mit Formatierung).")
+                                 .arg(ScopeArchiveCodec::MaximumCommentSize / 1024));
+    d->tooLongLabel->setWordWrap(true);
+    d->tooLongLabel->setVisible(false);
+    layout->addWidget(d->tooLongLabel);
+
     auto* buttonBox = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     buttonBox->setObjectName(QStringLiteral("buttonBox"));
     layout->addWidget(buttonBox);
@@ -41,4 +51,17 @@ QString ScopeElementCommentDialog::html() const
 {
     Q_D(const ScopeElementCommentDialog);
     return d->editor->html();
+}
+
+void ScopeElementCommentDialog::accept()
+{
+    Q_D(ScopeElementCommentDialog);
+    // A longer comment would be stored but read back as empty; the user
+    // keeps the text in the editor and can shorten it.
+    if (html().toUtf8().size() > ScopeArchiveCodec::MaximumCommentSize) {
+        d->tooLongLabel->setVisible(true);
+        return;
+    }
+    d->tooLongLabel->setVisible(false);
+    QDialog::accept();
 }

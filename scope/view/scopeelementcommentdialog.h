@@ -8,7 +8,9 @@ class ScopeElementCommentDialogPrivate;
 /*! \brief The dialog in which the comment of a recording is edited.
 
     A rich-text editor (object name "commentEdit") preset with the comment,
-    and Ok/Cancel buttons (object name "buttonBox").
+    and Ok/Cancel buttons (object name "buttonBox"). A text longer than an
+    archive can hold is not accepted: the dialog stays open and says so
+    (object name "tooLongLabel").
 */
 class ScopeElementCommentDialog : public QDialog
 {
@@ -20,6 +22,9 @@ public:
 
     /*! \brief The editor's text as HTML. */
     QString html() const;
+
+    /*! \brief Closes the dialog as accepted, unless the text is too long to be stored. */
+    void accept() override;
 
 private:
     Q_DECLARE_PRIVATE(ScopeElementCommentDialog)

@@ -3,6 +3,7 @@
 
 #include "scopeelementcommentdialog.h"
 
+class QLabel;
 class TextEditWidget;
 
 class ScopeElementCommentDialogPrivate : public QObject
@@ -14,6 +15,7 @@ public:
     explicit ScopeElementCommentDialogPrivate(ScopeElementCommentDialog* q);
 
     TextEditWidget* editor = nullptr;
+    QLabel* tooLongLabel = nullptr;
 
 private:
     ScopeElementCommentDialog* const q_ptr;

@@ -16,6 +16,7 @@
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QDialogButtonBox>
+#include <QtWidgets/QLabel>
 #include <QtWidgets/QPushButton>
 
 #include <functional>
@@ -39,6 +40,7 @@ private Q_SLOTS:
     void withoutArchiveNothingIsStored();
     void dialogLayout();
     void dialogAccepted();
+    void dialogRefusesTooLongText();
     void dialogCancelled();
     void dialogAcceptedWithoutArchive();
     void archiveEditCommentAccepted();
@@ -233,6 +235,37 @@ void tst_ScopeElementComment::dialogLayout()
     QCOMPARE(buttons->standardButtons(), QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     dialog.show();
     QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+}
+
+void tst_ScopeElementComment::dialogRefusesTooLongText()
+{
+    // A text that the archive could not give back stays in the open dialog.
+    ScopeElementCommentDialog dialog(QStringLiteral("Hochlauf"), QString());
+    auto* editor = dialog.findChild<TextEditWidget*>(QStringLiteral("commentEdit"));
+    auto* label = dialog.findChild<QLabel*>(QStringLiteral("tooLongLabel"));
+    QVERIFY(editor);
+    QVERIFY(label);
+    dialog.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+    QVERIFY(!label->isVisible());
+    // Some ten thousand lines of notes, a little more than an archive holds.
+    const QString line = QStringLiteral("<p>%1</p>").arg(QString(100, QLatin1Char('a')));
+    QString longText;
+    while (longText.size() <= ScopeArchiveCodec::MaximumCommentSize)
+        longText += line;
+    editor->setHtml(longText);
+    QSignalSpy accepted(&dialog, &QDialog::accepted);
+    dialog.accept();
+    QCOMPARE(accepted.count(), 0);
+    QVERIFY(dialog.isVisible());
+    QVERIFY(label->isVisible());
+    QVERIFY(editor->html().toUtf8().size() > ScopeArchiveCodec::MaximumCommentSize);
+
+    // Shortened, it is accepted.
+    editor->setHtml(line.repeated(10));
+    dialog.accept();
+    QCOMPARE(accepted.count(), 1);
+    QCOMPARE(dialog.result(), int(QDialog::Accepted));
 }
 
 void tst_ScopeElementComment::dialogAccepted()
