@@ -11,6 +11,7 @@
 #include "scopeview.h"
 #endif
 
+#include <QtCore/QBuffer>
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 #include <QtCore/QSaveFile>
@@ -545,10 +546,15 @@ bool WorkbenchWindow::exportPng(const QString& pngFile)
         return false;
     }
     const QPixmap picture = d->stack->currentWidget()->grab();
-    // Written beside the target and renamed over it only when complete, so a
-    // failed write keeps the previous picture.
+    // Encoded in memory first: the PNG writer cannot recover cleanly from a
+    // device that fails half-way. The bytes are written beside the target
+    // and renamed over it only when complete, so a failed write keeps the
+    // previous picture.
+    QByteArray png;
+    QBuffer buffer(&png);
     QSaveFile file(pngFile);
-    if (picture.isNull() || !file.open(QIODevice::WriteOnly) || !picture.save(&file, "PNG") || !file.commit()) {
+    if (picture.isNull() || !buffer.open(QIODevice::WriteOnly) || !picture.save(&buffer, "PNG")
+        || !file.open(QIODevice::WriteOnly) || file.write(png) != png.size() || !file.commit()) {
         d->showStatus(tr("PNG-Export nach %1 fehlgeschlagen").arg(QDir::toNativeSeparators(pngFile)));
         return false;
     }
