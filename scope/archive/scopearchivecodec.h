@@ -20,9 +20,9 @@ namespace ScopeArchiveCodec {
 /*! \brief The largest comment (UTF-8 bytes) that is decoded; longer ones read as empty.
 
     A mebibyte of HTML is some hundred pages of notes. Reading a comment
-    costs about ten times its size while it is converted (UTF-16, and a text
-    document to tell whether it is empty), so a forged block stays within a
-    few ten MiB at most; the comment dialog refuses to store a longer text.
+    and asking whether it is empty costs up to fourteen times its size while
+    it is converted (UTF-16, and a text document), so even a forged block
+    stays below 16 MiB; the comment dialog refuses to store a longer text.
 */
 inline constexpr qsizetype MaximumCommentSize = 1024 * 1024;
 
