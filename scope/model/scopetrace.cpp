@@ -1423,21 +1423,38 @@ void ScopeTracePrivate::paintCurve(QPainter* painter, const QRect& area, int div
             continue;
         }
         const double x = column.xFirst;
-        if (std::isfinite(column.firstValue))
-            points.append(QPointF(x, m.y(column.firstValue)));
+        const bool firstFinite = std::isfinite(column.firstValue);
+        const bool lastFinite = std::isfinite(column.lastValue);
+        const double firstY = firstFinite ? m.y(column.firstValue) : 0.0;
+        double near = m.y(column.lowest);
+        double far = m.y(column.highest);
+        const double lastY = lastFinite ? m.y(column.lastValue) : far;
+        // A column that runs from one end of its span to the other (within
+        // less than half a row) is the steep line from its first to its last
+        // sample: it lights the rows of this column only, as the samples
+        // between do, and takes the same path across the column.
+        if (firstFinite && lastFinite) {
+            const double from = std::min(firstY, lastY);
+            const double to = std::max(firstY, lastY);
+            if (to - from >= 1.0 && from - std::min(near, far) < 0.5 && std::max(near, far) - to < 0.5) {
+                points.append(QPointF(x, firstY));
+                points.append(QPointF(column.xLast, lastY));
+                continue;
+            }
+        }
+        if (firstFinite)
+            points.append(QPointF(x, firstY));
         else
             flush();
         // Down the column's span and on to the last sample from the extreme
         // farther from it, so that this last piece stays steep and, like the
         // lines between dense samples, lights this column only.
-        double near = m.y(column.lowest);
-        double far = m.y(column.highest);
-        const double lastY = std::isfinite(column.lastValue) ? m.y(column.lastValue) : far;
         if (std::fabs(near - lastY) > std::fabs(far - lastY))
             std::swap(near, far);
-        points.append(QPointF(x, near));
+        if (!firstFinite || near != firstY)
+            points.append(QPointF(x, near));
         points.append(QPointF(x, far));
-        if (std::isfinite(column.lastValue))
+        if (lastFinite)
             points.append(QPointF(column.xLast, lastY));
         else
             flush();

@@ -54,6 +54,8 @@ struct PictureDifference
     int columns = 0;
     int largestShift = 0;
     int emptyMismatch = 0;
+    int litColumns = 0;    // columns lit in b
+    int missingColumns = 0; // columns lit in b and empty in a
 };
 
 // Compares two pictures column by column: the rows lit in one and not in
@@ -65,13 +67,16 @@ PictureDifference comparePictures(const QImage& a, const QImage& b)
         const QList<int> rowsA = litRows(a, x);
         const QList<int> rowsB = litRows(b, x);
         difference.lit += int(rowsB.size());
+        difference.litColumns += !rowsB.isEmpty();
         if (rowsA == rowsB)
             continue;
         ++difference.columns;
         if (rowsA.isEmpty() != rowsB.isEmpty()) {
             ++difference.emptyMismatch;
+            difference.missingColumns += rowsA.isEmpty();
             continue;
         }
+
         for (int row : rowsA)
             difference.pixels += !rowsB.contains(row);
         for (int row : rowsB)
@@ -80,6 +85,28 @@ PictureDifference comparePictures(const QImage& a, const QImage& b)
                                             std::abs(rowsA.back() - rowsB.back())});
     }
     return difference;
+}
+
+// Lit pixels of a that have no lit pixel of b in their 3 x 3 neighbourhood.
+int unmatchedPixels(const QImage& a, const QImage& b)
+{
+    int unmatched = 0;
+    for (int y = 0; y < a.height(); ++y) {
+        for (int x = 0; x < a.width(); ++x) {
+            if (qAlpha(a.pixel(x, y)) == 0)
+                continue;
+            bool near = false;
+            for (int dy = -1; dy <= 1 && !near; ++dy) {
+                for (int dx = -1; dx <= 1 && !near; ++dx) {
+                    const int nx = x + dx;
+                    const int ny = y + dy;
+                    near = nx >= 0 && ny >= 0 && nx < b.width() && ny < b.height() && qAlpha(b.pixel(nx, ny)) != 0;
+                }
+            }
+            unmatched += !near;
+        }
+    }
+    return unmatched;
 }
 
 } // namespace
@@ -354,18 +381,27 @@ void tst_ScopeTracePaint::envelopeMatchesEverySample_data()
     QTest::addColumn<qint64>("right");
     QTest::addColumn<double>("factor");
     QTest::addColumn<bool>("inverted");
+    QTest::addColumn<double>("noise");
+    QTest::addColumn<bool>("spikes"); // a lone sample 60 units up now and then
 
     // Time base 1: a sample every 100 ns.
-    QTest::newRow("200k whole") << 200000 << qint64(0) << qint64(200000) * 100 << 0.05 << false;
-    QTest::newRow("200k before and after") << 200000 << qint64(-3000000) << qint64(23000000) << 0.05 << false;
-    QTest::newRow("200k half") << 200000 << qint64(5000000) << qint64(15000000) << 0.05 << false;
-    QTest::newRow("200k tenth") << 200000 << qint64(7777700) << qint64(9777700) << 0.05 << false;
+    QTest::newRow("200k whole") << 200000 << qint64(0) << qint64(200000) * 100 << 0.05 << false << 3.0 << true;
+    QTest::newRow("200k before and after") << 200000 << qint64(-3000000) << qint64(23000000) << 0.05 << false << 3.0 << true;
+    QTest::newRow("200k half") << 200000 << qint64(5000000) << qint64(15000000) << 0.05 << false << 3.0 << true;
+    QTest::newRow("200k tenth") << 200000 << qint64(7777700) << qint64(9777700) << 0.05 << false << 3.0 << true;
     QTest::newRow("200k 3 per pixel") << 200000 << qint64(1000000) << qint64(1000000 + 3 * 991 * 100) << 0.05
-                                      << false;
-    QTest::newRow("200k sparse") << 200000 << qint64(1000000) << qint64(1020000) << 0.05 << false;
-    QTest::newRow("200k inverted steep") << 200000 << qint64(0) << qint64(20000000) << 0.5 << true;
-    QTest::newRow("1M whole") << 1000000 << qint64(0) << qint64(100000000) << 0.05 << false;
-    QTest::newRow("1M odd zoom") << 1000000 << qint64(12345678) << qint64(87654321) << 0.1 << false;
+                                      << false << 3.0 << true;
+    QTest::newRow("200k sparse") << 200000 << qint64(1000000) << qint64(1020000) << 0.05 << false << 3.0 << true;
+    QTest::newRow("200k inverted steep") << 200000 << qint64(0) << qint64(20000000) << 0.5 << true << 3.0 << true;
+    QTest::newRow("1M whole") << 1000000 << qint64(0) << qint64(100000000) << 0.05 << false << 3.0 << true;
+    QTest::newRow("1M odd zoom") << 1000000 << qint64(12345678) << qint64(87654321) << 0.1 << false << 3.0 << true;
+    // Smooth curves: most columns run from one extreme to the other.
+    QTest::newRow("200k smooth whole") << 200000 << qint64(0) << qint64(200000) * 100 << 0.05 << false << 0.0 << false;
+    QTest::newRow("200k smooth steep") << 200000 << qint64(0) << qint64(200000) * 100 << 0.5 << true << 0.0 << false;
+    QTest::newRow("1M smooth whole") << 1000000 << qint64(0) << qint64(100000000) << 0.05 << false << 0.0 << false;
+    QTest::newRow("1M smooth odd zoom") << 1000000 << qint64(12345678) << qint64(87654321) << 0.1 << false << 0.0 << false;
+    QTest::newRow("1M smooth flat") << 1000000 << qint64(0) << qint64(100000000) << 0.002 << false << 0.0 << false;
+    QTest::newRow("1M barely noisy") << 1000000 << qint64(0) << qint64(100000000) << 0.05 << false << 0.01 << false;
 }
 
 void tst_ScopeTracePaint::envelopeMatchesEverySample()
@@ -375,12 +411,15 @@ void tst_ScopeTracePaint::envelopeMatchesEverySample()
     QFETCH(qint64, right);
     QFETCH(double, factor);
     QFETCH(bool, inverted);
+    QFETCH(double, noise);
+    QFETCH(bool, spikes);
 
     std::mt19937 random(42);
-    std::normal_distribution<double> noise(0.0, 3.0);
+    std::normal_distribution<double> gauss(0.0, 1.0);
     QVector<double> samples(count);
     for (int i = 0; i < count; ++i)
-        samples[i] = 40.0 * std::sin(i * 6.283185307179586 / 50000.0) + noise(random) + (i % 7919 == 0 ? 60 : 0);
+        samples[i] = 40.0 * std::sin(i * 6.283185307179586 / 50000.0) + noise * gauss(random)
+                     + (spikes && i % 7919 == 0 ? 60 : 0);
 
     ScopeTrace trace(nullptr, 0);
     trace.setSamples(samples);
@@ -399,9 +438,27 @@ void tst_ScopeTracePaint::envelopeMatchesEverySample()
         trace.paintEverySample(&m_layout, &painter, left, right);
     }
     const PictureDifference difference = comparePictures(fast, reference);
-    qInfo("lit %d, differing pixels %d in %d columns, largest edge shift %d",
-          difference.lit, difference.pixels, difference.columns, difference.largestShift);
+    const int extra = unmatchedPixels(fast, reference);
+    const int missing = unmatchedPixels(reference, fast);
+    qInfo("lit %d, differing pixels %d in %d columns, largest edge shift %d; more than a pixel away: %d drawn, "
+          "%d missed; %d columns filled where the reference has a gap",
+          difference.lit, difference.pixels, difference.columns, difference.largestShift, extra, missing,
+          difference.emptyMismatch - difference.missingColumns);
     QVERIFY(difference.lit > 0);
+    if (noise < 1.0 && !spikes) {
+        // A smooth curve moves a few rows per column, and the line of
+        // sub-pixel segments that every sample gives puts the row at a column
+        // boundary into either column, now and then a stray pixel beside
+        // it, and where the curve is flat sometimes no pixel into a column
+        // at all. The pictures agree within a pixel: every column the
+        // reference lights is lit, and nearly every lit pixel of either
+        // picture has a lit pixel of the other next to it.
+        QCOMPARE(difference.missingColumns, 0);
+        QVERIFY2(difference.emptyMismatch * 200 <= difference.litColumns, "gaps in more than 0.5 % of the columns");
+        QVERIFY2(extra * 200 <= difference.lit, "more than 0.5 % of the pixels drawn more than a pixel away");
+        QVERIFY2(missing * 200 <= difference.lit, "more than 0.5 % of the reference's pixels missed by more than a pixel");
+        return;
+    }
     // The same columns are lit, and within a column the lit rows agree apart
     // from a few rows at a column's top or bottom end. Exact equality is not
     // to be had: the cosmetic line rasteriser carries its pixel position from
