@@ -642,10 +642,7 @@ QString ScopeTrace::name() const
 void ScopeTrace::setName(const QString& name)
 {
     Q_D(ScopeTrace);
-    if (d->name == name)
-        return;
-    d->name = name;
-    Q_EMIT d->changed();
+    d->store(d->name, name);
 }
 
 QString ScopeTrace::measure() const
@@ -657,10 +654,7 @@ QString ScopeTrace::measure() const
 void ScopeTrace::setMeasure(const QString& measure)
 {
     Q_D(ScopeTrace);
-    if (d->measure == measure)
-        return;
-    d->measure = measure;
-    Q_EMIT d->changed();
+    d->store(d->measure, measure);
 }
 
 quint8 ScopeTrace::physicalDatatype() const
@@ -672,10 +666,7 @@ quint8 ScopeTrace::physicalDatatype() const
 void ScopeTrace::setPhysicalDatatype(quint8 datatype)
 {
     Q_D(ScopeTrace);
-    if (d->physicalDatatype == datatype)
-        return;
-    d->physicalDatatype = datatype;
-    Q_EMIT d->changed();
+    d->store(d->physicalDatatype, datatype);
 }
 
 unsigned ScopeTrace::decimalPlaces() const
@@ -687,10 +678,7 @@ unsigned ScopeTrace::decimalPlaces() const
 void ScopeTrace::setDecimalPlaces(unsigned decimalPlaces)
 {
     Q_D(ScopeTrace);
-    if (d->decimalPlaces == decimalPlaces)
-        return;
-    d->decimalPlaces = decimalPlaces;
-    Q_EMIT d->changed();
+    d->store(d->decimalPlaces, decimalPlaces);
 }
 
 int ScopeTrace::parameterKind() const
@@ -715,10 +703,7 @@ QMap<qint32, QString> ScopeTrace::choiceMap() const
 void ScopeTrace::setChoiceMap(const QMap<qint32, QString>& choiceMap)
 {
     Q_D(ScopeTrace);
-    if (d->choiceMap == choiceMap)
-        return;
-    d->choiceMap = choiceMap;
-    Q_EMIT d->changed();
+    d->store(d->choiceMap, choiceMap);
 }
 
 QVector<double> ScopeTrace::samples() const
@@ -750,10 +735,7 @@ int ScopeTrace::triggerIndex() const
 void ScopeTrace::setTriggerIndex(int triggerIndex)
 {
     Q_D(ScopeTrace);
-    if (d->triggerIndex == triggerIndex)
-        return;
-    d->triggerIndex = triggerIndex;
-    Q_EMIT d->changed();
+    d->store(d->triggerIndex, triggerIndex);
 }
 
 unsigned ScopeTrace::timeBase() const
@@ -765,10 +747,7 @@ unsigned ScopeTrace::timeBase() const
 void ScopeTrace::setTimeBase(unsigned timeBase)
 {
     Q_D(ScopeTrace);
-    if (d->timeBase == timeBase)
-        return;
-    d->timeBase = timeBase;
-    Q_EMIT d->changed();
+    d->store(d->timeBase, timeBase);
 }
 
 qint64 ScopeTrace::startTime() const

@@ -82,6 +82,17 @@ public:
     ScopeTracePrivate(ScopeTrace* q, QObject* parent, int number);
     ~ScopeTracePrivate() override;
 
+    // Stores a descriptive property and announces the change; an equal value
+    // changes nothing.
+    template<typename T>
+    void store(T& field, const T& value)
+    {
+        if (field == value)
+            return;
+        field = value;
+        Q_EMIT changed();
+    }
+
     ScopeTrace* q_ptr;
     QObject* shot;
     QVector<double> samples;
